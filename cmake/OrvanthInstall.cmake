@@ -1,0 +1,1 @@
+# cmake --install: headers, library, pkg-config file and CMake package.

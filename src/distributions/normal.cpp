@@ -1,0 +1,71 @@
+#include <cmath>
+
+#include "frame/flags.hpp"
+#include "frame/policies.hpp"
+#include "orvanth/distributions.h"
+#include "special/error_function.hpp"
+
+namespace {
+
+using namespace orvanth;
+
+constexpr double kTwoPi = 6.283185307179586;
+constexpr double kRootTwo = 1.4142135623730951;
+
+// The checks of the three functions below run twice, once for the distribution and once for the
+// call. The first only notes errno, so an infinite x may still be answered.
+bool HasValidParameters(double mean, double sd) {
+    constexpr const char* function = "boost::math::normal_distribution<%1%>::normal_distribution";
+    if (!(sd > 0) || !std::isfinite(sd)) {
+        RaiseDomain(function, "Scale parameter is %1%, but must be > 0 !", sd);
+        return false;
+    }
+    if (!std::isfinite(mean)) {
+        RaiseDomain(function, "Location parameter is %1%, but must be finite!", mean);
+        return false;
+    }
+    return true;
+}
+
+double RejectVariate(double x) {
+    return RaiseDomain("boost::math::cdf(const normal_distribution<%1%>&, %1%)",
+                       "Random variate x is %1%, but must be finite!", x);
+}
+
+}  // namespace
+
+ORVANTH_API(double) NormalPDF(double x, double mean, double sd) {
+    SilentCall silent;
+    const bool valid = HasValidParameters(mean, sd);
+    if (std::isinf(x)) return 0;  // ahead of all other answers
+    if (!valid) return kNaN;
+    if (std::isnan(x)) return RejectVariate(x);
+    const double distance = x - mean;
+    return std::exp(-(distance * distance) / (2 * sd * sd)) / (sd * std::sqrt(kTwoPi));
+}
+
+// The two tails differ in order: the upper one answers an infinite x ahead of the parameters.
+ORVANTH_API(double) NormalCDF(double x, double mean, double sd, TailFlag tail) {
+    SilentCall silent;
+    const bool valid = HasValidParameters(mean, sd);
+    if (!IsSet(tail)) {
+        if (!valid) return kNaN;
+        if (std::isinf(x)) return x > 0 ? 1 : 0;
+        if (std::isnan(x)) return RejectVariate(x);
+        return ErfCValue(-(x - mean) / (sd * kRootTwo)) / 2;
+    }
+    if (std::isinf(x)) return x > 0 ? 0 : 1;
+    if (!valid) return kNaN;
+    if (std::isnan(x)) return RejectVariate(x);
+    return ErfCValue((x - mean) / (sd * kRootTwo)) / 2;
+}
+
+ORVANTH_API(double) NormalICDF(double p, double mean, double sd, TailFlag tail) {
+    SilentCall silent;
+    if (!HasValidParameters(mean, sd)) return kNaN;
+    if (!(p >= 0 && p <= 1))
+        return RaiseDomain("boost::math::quantile(const normal_distribution<%1%>&, %1%)",
+                           "Probability argument is %1%, but must be >= 0 and <= 1 !", p);
+    const double z = InverseErfCValue(2 * p) * (sd * kRootTwo);
+    return IsSet(tail) ? z + mean : -z + mean;
+}
