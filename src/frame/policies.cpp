@@ -34,10 +34,9 @@ std::string Text(const char* function, const char* message, const char* type) {
 
 std::string Text(const char* function, const char* message, double value, const char* type) {
     const std::string digits = boost::str(boost::format("%." + std::to_string(kValueDigits) + "g") % value);
-    return ReplaceAll(Opening(function, type) +
-                          (message ? message
-                                   : "Cause unknown: error caused by bad argument with value %1%"),
-                      "%1%", digits);
+    return ReplaceAll(
+        Opening(function, type) + (message ? message : "Cause unknown: error caused by bad argument with value %1%"),
+        "%1%", digits);
 }
 
 // The object that travels wraps the class so that boost::current_exception can clone it.

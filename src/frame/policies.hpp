@@ -21,23 +21,20 @@ namespace orvanth {
 namespace bmp = boost::math::policies;
 
 // Failures throw.
-using DefaultPolicy = bmp::policy<
-    bmp::domain_error<bmp::user_error>, bmp::pole_error<bmp::user_error>,
-    bmp::overflow_error<bmp::user_error>, bmp::underflow_error<bmp::ignore_error>,
-    bmp::denorm_error<bmp::ignore_error>, bmp::evaluation_error<bmp::user_error>,
-    bmp::rounding_error<bmp::user_error>, bmp::indeterminate_result_error<bmp::ignore_error>,
-    bmp::promote_float<true>, bmp::promote_double<false>>;
+using DefaultPolicy =
+    bmp::policy<bmp::domain_error<bmp::user_error>, bmp::pole_error<bmp::user_error>,
+                bmp::overflow_error<bmp::user_error>, bmp::underflow_error<bmp::ignore_error>,
+                bmp::denorm_error<bmp::ignore_error>, bmp::evaluation_error<bmp::user_error>,
+                bmp::rounding_error<bmp::user_error>, bmp::indeterminate_result_error<bmp::ignore_error>,
+                bmp::promote_float<true>, bmp::promote_double<false>>;
 
 // Failures set errno and answer with a NaN, an infinity or the value reached; rounding errors
 // throw all the same. Boost reports both policies' failures to the same handlers, so a call under
 // this policy stands inside a SilentCall; max_root_iterations only keeps the two types apart.
-using BoundaryPolicy =
-    bmp::normalise<DefaultPolicy, bmp::max_root_iterations<200>>::type;
+using BoundaryPolicy = bmp::normalise<DefaultPolicy, bmp::max_root_iterations<200>>::type;
 
-using RoundDownPolicy =
-    bmp::normalise<DefaultPolicy, bmp::discrete_quantile<bmp::integer_round_down>>::type;
-using RoundUpPolicy =
-    bmp::normalise<DefaultPolicy, bmp::discrete_quantile<bmp::integer_round_up>>::type;
+using RoundDownPolicy = bmp::normalise<DefaultPolicy, bmp::discrete_quantile<bmp::integer_round_down>>::type;
+using RoundUpPolicy = bmp::normalise<DefaultPolicy, bmp::discrete_quantile<bmp::integer_round_up>>::type;
 
 inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 inline constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -90,16 +87,12 @@ private:
 // Raised inside a SilentCall these note 33 or 34 and return; elsewhere they throw. The texts are
 // templates: %1% in `function` is the type name, %1% in `message` the value with 17 digits.
 // Return values: NaN; an infinity; the value reached.
-double RaiseDomain(const char* function, const char* message, double value,
-                   const char* type = kDouble);
-double RaiseOverflow(const char* function, const char* message = nullptr,
-                     const char* type = kDouble);
-double RaiseEvaluation(const char* function, const char* message, double reached,
-                       const char* type = kDouble);
+double RaiseDomain(const char* function, const char* message, double value, const char* type = kDouble);
+double RaiseOverflow(const char* function, const char* message = nullptr, const char* type = kDouble);
+double RaiseEvaluation(const char* function, const char* message, double reached, const char* type = kDouble);
 
 // Always thrown.
-[[noreturn]] void RaiseRounding(const char* function, const char* message, double value,
-                                const char* type = kDouble);
+[[noreturn]] void RaiseRounding(const char* function, const char* message, double value, const char* type = kDouble);
 
 // The check that every special function's result passes on its way out: a magnitude beyond the
 // largest double is an overflow, under "numeric overflow" and type double. A NaN passes.
@@ -118,8 +111,8 @@ namespace boost::math::policies {
 
 template <class T>
 T user_domain_error(const char* function, const char* message, const T& value) {
-    return static_cast<T>(orvanth::RaiseDomain(function, message, static_cast<double>(value),
-                                               orvanth::TypeNamedBy(function, message)));
+    return static_cast<T>(
+        orvanth::RaiseDomain(function, message, static_cast<double>(value), orvanth::TypeNamedBy(function, message)));
 }
 template <class T>
 T user_pole_error(const char* function, const char* message, const T& value) {
@@ -127,8 +120,7 @@ T user_pole_error(const char* function, const char* message, const T& value) {
 }
 template <class T>
 T user_overflow_error(const char* function, const char* message, const T&) {
-    return static_cast<T>(
-        orvanth::RaiseOverflow(function, message, orvanth::TypeNamedBy(function, message)));
+    return static_cast<T>(orvanth::RaiseOverflow(function, message, orvanth::TypeNamedBy(function, message)));
 }
 template <class T>
 T user_evaluation_error(const char* function, const char* message, const T& value) {
@@ -137,8 +129,7 @@ T user_evaluation_error(const char* function, const char* message, const T& valu
 }
 template <class T, class Target>
 T user_rounding_error(const char* function, const char* message, const T& value, const Target&) {
-    orvanth::RaiseRounding(function, message, static_cast<double>(value),
-                           orvanth::TypeNamedBy(function, message));
+    orvanth::RaiseRounding(function, message, static_cast<double>(value), orvanth::TypeNamedBy(function, message));
 }
 
 }  // namespace boost::math::policies

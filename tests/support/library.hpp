@@ -1,0 +1,35 @@
+// The shared library as a host sees it: opened by name, functions found by name.
+#ifndef ORVANTH_TESTS_SUPPORT_LIBRARY_HPP
+#define ORVANTH_TESTS_SUPPORT_LIBRARY_HPP
+
+#include <dlfcn.h>
+
+#include <stdexcept>
+#include <string>
+
+namespace orvanth::test {
+
+class Library {
+public:
+    explicit Library(const char* path) : handle_(dlopen(path, RTLD_NOW | RTLD_LOCAL)) {
+        if (handle_ == nullptr)
+            throw std::runtime_error(std::string("cannot load the library: ") + dlerror() +
+                                     "; build the target core_math first");
+    }
+    ~Library() { dlclose(handle_); }
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+
+    // Null if the library has no such export.
+    template <class Function>
+    Function Find(const char* name) const {
+        return reinterpret_cast<Function>(dlsym(handle_, name));
+    }
+
+private:
+    void* handle_;
+};
+
+}  // namespace orvanth::test
+
+#endif
