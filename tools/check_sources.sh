@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# What is checked of the sources themselves.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+status=0
+
+mapfile -t sources < <(git ls-files '*.cpp' '*.hpp' | grep -v '^third_party/')
+clang-format --dry-run --Werror "${sources[@]}" || {
+    echo "format: run clang-format -i on the files named above"; status=1; }
+
+/usr/bin/python3 tools/generate_interface.py --check || status=1
+
+# Failure is raised in one place.
+hits=$(grep -nE '\bthrow\b|\berrno *=[^=]' -r src --include='*.cpp' --include='*.hpp' | grep -v '^src/frame/policies' |
+       grep -vE '^[^:]+:[0-9]+: *//' || true)
+[ -z "$hits" ] || { echo "throw and errno belong in frame/policies; call a Raise function there:"; echo "$hits"; status=1; }
+
+# Platform matters stay in frame/.
+hits=$(grep -nE '#include <(unistd|sys/|dlfcn|pthread|windows)' -r src --include='*.cpp' --include='*.hpp' | grep -v '^src/frame/' || true)
+[ -z "$hits" ] || { echo "platform headers belong in frame/:"; echo "$hits"; status=1; }
+
+# No file over 400 lines without a reason: generated tables are data.
+while read -r lines file; do
+    [ "$lines" -le 400 ] || { echo "$file has $lines lines; split it at 400"; status=1; }
+done < <(git ls-files 'src/*.cpp' 'src/*.hpp' 'tests/*.cpp' 'tools/*' | xargs wc -l | grep -v ' total$')
+
+exit $status
