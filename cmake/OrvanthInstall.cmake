@@ -1,1 +1,17 @@
 # cmake --install: headers, library, pkg-config file and CMake package.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS core_math EXPORT OrvanthCoreMathTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/orvanth DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT OrvanthCoreMathTargets NAMESPACE Orvanth::
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvanthCoreMath)
+
+set(package_dir ${CMAKE_CURRENT_BINARY_DIR}/package)
+file(WRITE ${package_dir}/OrvanthCoreMathConfig.cmake
+     "include(\${CMAKE_CURRENT_LIST_DIR}/OrvanthCoreMathTargets.cmake)\n")
+write_basic_package_version_file(${package_dir}/OrvanthCoreMathConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${package_dir}/OrvanthCoreMathConfig.cmake ${package_dir}/OrvanthCoreMathConfigVersion.cmake
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvanthCoreMath)
+
+configure_file(${PROJECT_SOURCE_DIR}/cmake/orvanth-core-math.pc.in ${package_dir}/orvanth-core-math.pc @ONLY)
+install(FILES ${package_dir}/orvanth-core-math.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -4,6 +4,15 @@
 
 #include "orvanth/types.h"
 
+/**
+ * @file
+ * Classical distributions: density or probability (PDF), cumulative probability (CDF), quantile (ICDF).
+ *
+ * The continuous families are silent: a bad parameter or argument gives NaN with errno 33, a result out
+ * of range an infinity with errno 34. The discrete families throw. A set TailFlag asks for the upper tail,
+ * which is evaluated by itself and not as one minus the lower tail.
+ */
+
 ORVANTH_API(double) BetaPDF(double x, double a, double b);
 
 ORVANTH_API(double) BetaCDF(double x, double a, double b, TailFlag tail);
@@ -28,10 +37,47 @@ ORVANTH_API(double) GammaCDF(double x, double shape, double scale, TailFlag tail
 
 ORVANTH_API(double) GammaICDF(double p, double shape, double scale, TailFlag tail);
 
+/**
+ * Density of the normal distribution.
+ *
+ * @param[in] x     any double; an infinity gives 0
+ * @param[in] mean  finite
+ * @param[in] sd    standard deviation, finite and greater than 0
+ * @return exp(-(x - mean)^2 / (2 sd^2)) / (sd sqrt(2 pi)). An infinite x gives 0 ahead of every other
+ *         answer, with a bad parameter too.
+ * @par Failure
+ * Silent. A bad sd or mean, or x a NaN: NaN, errno 33. With an infinite x and a bad parameter: 0,
+ * errno 33.
+ */
 ORVANTH_API(double) NormalPDF(double x, double mean, double sd);
 
+/**
+ * Cumulative probability of the normal distribution.
+ *
+ * @param[in] x     any double
+ * @param[in] mean  finite
+ * @param[in] sd    standard deviation, finite and greater than 0
+ * @param[in] tail  clear: P(X <= x); set: P(X > x)
+ * @return erfc(-+(x - mean) / (sd sqrt 2)) / 2. At x = +infinity 1, at -infinity 0; in the upper tail
+ *         the reverse.
+ * @par Failure
+ * Silent. A bad sd or mean, or x a NaN: NaN, errno 33. The two tails differ in order on purpose: the
+ * upper tail answers an infinite x with 0 or 1 ahead of the parameters (errno is 33 all the same),
+ * the lower tail after them.
+ */
 ORVANTH_API(double) NormalCDF(double x, double mean, double sd, TailFlag tail);
 
+/**
+ * Quantile of the normal distribution.
+ *
+ * @param[in] p     in [0, 1]
+ * @param[in] mean  finite
+ * @param[in] sd    standard deviation, finite and greater than 0
+ * @param[in] tail  clear: the lower tail is p; set: the upper tail is p
+ * @return -+InverseErfC(2 p) sd sqrt 2 + mean. At p = 0 and p = 1 an infinity with errno 34.
+ * @par Failure
+ * Silent. A bad sd or mean, or p outside [0, 1] or a NaN: NaN, errno 33.
+ */
 ORVANTH_API(double) NormalICDF(double p, double mean, double sd, TailFlag tail);
 
 ORVANTH_API(double) StudentTPDF(double x, double df);

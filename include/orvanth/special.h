@@ -4,6 +4,14 @@
 
 #include "orvanth/types.h"
 
+/**
+ * @file
+ * Special functions: the gamma, beta and error-function families.
+ *
+ * The gamma and beta families and the error functions come from Boost.Math. Which exports are silent
+ * (errno) and which throw is fixed by name and does not follow a line: see each entry.
+ */
+
 ORVANTH_API(double) Gamma(double x);
 
 ORVANTH_API(double) GammaLn(double x);
@@ -40,14 +48,68 @@ ORVANTH_API(double) InverseBetaRegularizedC(double a, double b, double q);
 ORVANTH_API(void) InverseBetaRegularizedC2(double a, double b, double q, double* result,
                                            double* complement);
 
+/**
+ * The error function erf(x) = 2/sqrt(pi) * integral of exp(-t*t) for t from 0 to x.
+ *
+ * @param[in] x  any double
+ * @return erf(x), odd in x; 0 at 0, +-1 at +-infinity; NaN for NaN.
+ * @par Failure
+ * None occurs: errno stays as it was.
+ * @par Method
+ * Rational approximations by intervals of Boost.Math, in 53 bits.
+ */
 ORVANTH_API(double) Erf(double x);
 
+/**
+ * The complement erfc(x) = 1 - erf(x), with full relative precision in the upper tail.
+ *
+ * @param[in] x  any double
+ * @return erfc(x); 1 at 0, 0 at +infinity, 2 at -infinity; NaN for NaN. Far in the tail it underflows
+ *         to 0 without a mark.
+ * @par Failure
+ * None occurs: errno stays as it was.
+ * @par Method
+ * Rational approximations by intervals of Boost.Math, in 53 bits.
+ */
 ORVANTH_API(double) ErfC(double x);
 
+/**
+ * The x with erf(x) = p.
+ *
+ * @param[in] p  in [-1, 1]
+ * @return x; 0 at p = 0, +-infinity at p = +-1 with errno 34; NaN for NaN.
+ * @par Failure
+ * Silent. p outside [-1, 1]: NaN, errno 33.
+ * @par Method
+ * Rational approximations by intervals of Boost.Math.
+ */
 ORVANTH_API(double) InverseErf(double p);
 
+/**
+ * The x with erfc(x) = z, precise also for tiny z.
+ *
+ * @param[in] z  in [0, 2]
+ * @return x; 0 at z = 1; +infinity at z = 0 and -infinity at z = 2, both with errno 34; NaN for NaN.
+ * @par Failure
+ * Silent. z outside [0, 2]: NaN, errno 33.
+ * @par Method
+ * Rational approximations by intervals of Boost.Math.
+ */
 ORVANTH_API(double) InverseErfC(double z);
 
+/**
+ * ln(1 + x) without loss of digits at small x.
+ *
+ * @param[in] x  greater than -1
+ * @return ln(1 + x); x itself where 1 + x rounds to 1. NaN for NaN and, on purpose, for +infinity,
+ *         where the correction below is infinity over infinity.
+ * @par Failure
+ * Throws, errno stays as it was. x < -1: std::domain_error, "log1p(x) requires x > -1, but got
+ * x = ...". x = -1: std::overflow_error, "Overflow Error"; the answer is not -infinity.
+ * @par Method
+ * With u = 1 + x rounded, ln(u) * (x / (u - 1)): the quotient repairs the rounding of u
+ * (W. Kahan; N. J. Higham, Accuracy and Stability of Numerical Algorithms, section 1.14.1).
+ */
 ORVANTH_API(double) LogXplus1(double x);
 
 #endif

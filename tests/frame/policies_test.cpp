@@ -1,0 +1,133 @@
+#include "frame/policies.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <stdexcept>
+#include <thread>
+#include <type_traits>
+
+#include <boost/exception/exception.hpp>
+#include <boost/math/special_functions/gamma.hpp>
+
+#include "support/call.hpp"
+
+namespace {
+
+using namespace orvanth;
+using orvanth::test::ThrownText;
+
+TEST(Policies, AreFourTypes) {
+    EXPECT_FALSE((std::is_same_v<DefaultPolicy, BoundaryPolicy>));
+    EXPECT_FALSE((std::is_same_v<RoundDownPolicy, RoundUpPolicy>));
+    EXPECT_FALSE((std::is_same_v<DefaultPolicy, RoundDownPolicy>));
+    using Quantile = RoundUpPolicy::discrete_quantile_type;
+    EXPECT_EQ(Quantile::value, boost::math::policies::integer_round_up);
+}
+
+TEST(Policies, TextNamesTypeAndSeventeenDigits) {
+    EXPECT_EQ(ThrownText<std::domain_error>([] { RaiseDomain("f<%1%>(%1%, %1%)", "bad value %1%.", 0.1); }),
+              "Error in function f<double>(double, double): bad value 0.10000000000000001.");
+    EXPECT_EQ(ThrownText<std::domain_error>([] { RaiseDomain("f<%1%>(%1%)", "bad %1%", -1, kLongDouble); }),
+              "Error in function f<long double>(long double): bad -1");
+}
+
+TEST(Policies, MissingTemplateAndMessageHaveTextsOfTheirOwn) {
+    EXPECT_EQ(ThrownText<std::domain_error>([] { RaiseDomain(nullptr, nullptr, 2); }),
+              "Error in function Unknown function operating on type double: "
+              "Cause unknown: error caused by bad argument with value 2");
+    EXPECT_EQ(ThrownText<std::overflow_error>([] { RaiseOverflow("f<%1%>(%1%)"); }),
+              "Error in function f<double>(double): Overflow Error");
+}
+
+TEST(Policies, TheObjectThatTravelsIsTheCloneableWrapper) {
+    using Wrapper =
+        boost::exception_detail::clone_impl<boost::exception_detail::error_info_injector<std::domain_error>>;
+    EXPECT_THROW(RaiseDomain("f", "m", 1), Wrapper);
+    EXPECT_THROW(RaiseDomain("f", "m", 1), boost::exception);
+    EXPECT_THROW(RaiseDomain("f", "m", 1), std::logic_error);
+    EXPECT_THROW(RaiseOverflow("f"), std::runtime_error);
+    EXPECT_THROW(RaiseEvaluation("f", "m", 1), boost::math::evaluation_error);
+}
+
+TEST(Policies, SilentCallNotesAndGoesOn) {
+    errno = 7;
+    {
+        SilentCall silent;
+        EXPECT_TRUE(std::isnan(RaiseDomain("f", "m", 1)));
+        EXPECT_EQ(RaiseEvaluation("f", "m", 1.5), 1.5);
+        EXPECT_EQ(RaiseOverflow("f"), kInfinity);
+    }
+    EXPECT_EQ(errno, 34);
+}
+
+TEST(Policies, RoundingErrorsAreNotSilenced) {
+    errno = 7;
+    EXPECT_THROW(
+        {
+            SilentCall silent;
+            RaiseRounding("f", "m %1%", 1);
+        },
+        boost::math::rounding_error);
+    EXPECT_EQ(errno, 7);
+    EXPECT_EQ(SilentCall::Current(), nullptr);
+}
+
+TEST(Policies, ErrnoOfTheRuntimeDoesNotLeak) {
+    for (int before : {0, 7}) {
+        errno = before;
+        {
+            SilentCall silent;
+            errno = ERANGE;
+        }
+        EXPECT_EQ(errno, before);
+        {
+            ErrnoKeeper keep;
+            errno = ERANGE;
+        }
+        EXPECT_EQ(errno, before);
+    }
+}
+
+TEST(Policies, AnInnerSilentCallTellsTheOuterOne) {
+    errno = 0;
+    {
+        SilentCall outer;
+        {
+            SilentCall inner;
+            RaiseDomain("f", "m", 1);
+        }
+        errno = 0;
+    }
+    EXPECT_EQ(errno, 33);
+}
+
+TEST(Policies, FailuresInsideBoostArriveHere) {
+    EXPECT_EQ(ThrownText<std::domain_error>([] { boost::math::lgamma(-2.0, DefaultPolicy()); }),
+              "Error in function boost::math::lgamma<long double>(long double): "
+              "Evaluation of lgamma at a negative integer -2.");
+    SilentCall silent;
+    EXPECT_TRUE(std::isnan(boost::math::lgamma(-2.0, BoundaryPolicy())));
+}
+
+TEST(Policies, NarrowingPassesNaNAndStopsInfinity) {
+    EXPECT_TRUE(std::isnan(Narrow(kNaN, "f")));
+    EXPECT_EQ(Narrow(kLargest, "f"), kLargest);
+    EXPECT_EQ(ThrownText<std::overflow_error>([] { Narrow(kInfinity, "f<%1%>(%1%)"); }),
+              "Error in function f<double>(double): numeric overflow");
+}
+
+TEST(PoliciesThread, SilenceBelongsToOneThread) {
+    SilentCall silent;
+    bool thrown = false;
+    std::thread([&] {
+        try {
+            RaiseDomain("f", "m", 1);
+        } catch (const std::domain_error&) {
+            thrown = true;
+        }
+    }).join();
+    EXPECT_TRUE(thrown);
+}
+
+}  // namespace
