@@ -1,5 +1,7 @@
 #include "random/numeric_mode.hpp"
 
+#include <initializer_list>
+
 #include "frame/platform.hpp"
 
 namespace orvanth {
