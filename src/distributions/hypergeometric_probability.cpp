@@ -1,7 +1,6 @@
 #include <array>
 #include <cmath>
 
-#include <boost/math/distributions/detail/hypergeometric_pdf.hpp>
 #include <boost/math/special_functions/factorials.hpp>
 
 #include "distributions/hypergeometric_kernel.hpp"
@@ -139,25 +138,6 @@ double ProbabilityByPrimes(std::int64_t x, const HypergeometricCounts& c) {
         for (; power < 0; ++power) below.Add(prime);
     }
     return above.Finish().Over(below.Finish());
-}
-
-// Required: the value is that of the Lanczos form, digit for digit, although the powers it takes
-// lose digits as N grows (about N machine epsilons).
-double ProbabilityByLanczos(std::int64_t x, const HypergeometricCounts& c) {
-    constexpr std::int64_t kLargestUnsigned = 0xFFFFFFFF;
-    if (c.N < kLargestUnsigned) {
-        using Lanczos = boost::math::lanczos::lanczos13m53;
-        return boost::math::detail::hypergeometric_pdf_lanczos_imp(
-            0.0, static_cast<unsigned>(x), static_cast<unsigned>(c.r), static_cast<unsigned>(c.n),
-            static_cast<unsigned>(c.N), Lanczos(), DefaultPolicy());
-    }
-    // N + 1 does not fit an unsigned integer: step up from N - 1, by the marked or the unmarked
-    // items, whichever leaves room for it.
-    if (c.r == c.N || c.n == c.N) return 1;
-    if (c.N - c.n - c.r + x == 0) return ProbabilityByLanczos(c.n - x, {c.N - c.r, c.n, c.N});
-    const double N = static_cast<double>(c.N);
-    return ProbabilityByLanczos(x, {c.r, c.n, c.N - 1}) * (static_cast<double>(c.N - c.r) / N) *
-           (static_cast<double>(c.N - c.n) / static_cast<double>(c.N - c.n - c.r + x));
 }
 
 double HypergeometricProbability(std::int64_t x, const HypergeometricCounts& c) {
