@@ -58,7 +58,7 @@ ORVANTH_API(LBFGSBDriverState*) LBFGSBStart(int32_t n, int32_t m, const double* 
  *
  * The first step answers 1 or 5. A start outside the bounds is projected onto them, so f and g belong to the x returned,
  * not to the x given. Convergence is reported by the step after a finished iterate, never together with it. In rare
- * conditions up to two lines about the direction of descent are printed on standard output. After code 3, 4 or 5 no
+ * conditions a message about the direction of descent is printed on standard output. After code 3, 4 or 5 no
  * further step makes sense.
  *
  * @param[in,out] state  of LBFGSBStart
