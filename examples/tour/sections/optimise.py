@@ -88,5 +88,5 @@ def run(core, page):
     for (name, v), colour in zip(fits, ("#c23b22", "#1f5fa8", "#9aa5b1")):
         right.plot(grid, probabilities(v, grid - CENTRE)[0], color=colour, label=name)
     right.set(xlabel="log10 dose", ylabel="share killed")
-    right.legend(frameon=False)
+    right.legend(frameon=False, fontsize=9, loc="lower center", bbox_to_anchor=(0.5, 1.0))
     page.figure(figure, "Left: the path of the minimiser over the likelihood's contours. Right: the fits.")
