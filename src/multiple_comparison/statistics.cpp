@@ -1,0 +1,118 @@
+// What differs between the three statistics: the conditional probability and the bracket.
+//
+// The sums and products run in the order of the rule and of the comparisons, each value has the
+// bits of the plain double loop over nodes and comparisons. Evaluations are saved where the bits
+// cannot change: over comparisons with equal lambda, over mirrored nodes, and of terms that do not
+// depend on the scale.
+#include <cmath>
+#include <cstddef>
+
+#include "multiple_comparison/mc.hpp"
+#include "multiple_comparison/normal_form.hpp"
+
+namespace orvanth {
+
+namespace {
+
+const double kRootTwo = std::sqrt(2.0);
+const double kRootPi = std::sqrt(3.141592653589793);
+
+// base^exponent by squaring, low bit first, on the magnitude of the exponent.
+double IntegerPower(double base, std::int32_t exponent) {
+    const bool inverted = exponent < 0;
+    std::uint32_t rest = static_cast<std::uint32_t>(exponent);
+    if (inverted) rest = 0u - rest;
+    double result = 1.0;
+    for (; rest != 0; rest >>= 1, base *= base)
+        if (rest & 1u) result *= base;
+    return inverted ? 1.0 / result : result;
+}
+
+void MultiplyTimes(double& product, double factor, std::int32_t times) {
+    for (std::int32_t i = 0; i < times; ++i) product = factor * product;
+}
+
+}  // namespace
+
+double DunnettDistribution::ConditionalCDF(double x, double s) const {
+    const double v = x * s;
+    std::array<double, kRulePoints> products;
+    products.fill(1.0);
+    for (std::int32_t j = 0, run = 0; j < k_ - 1; j += run) {
+        run = RunLength(j, k_ - 1);
+        const double c = scale_[j];
+        for (std::size_t i = 0; i < kHalfRule; ++i) {
+            const double a = (lambda_[j] * kRootTwo) * GaussHermite48.nodes[i];
+            const NormalPair above = NormalForms((v + a) * c);
+            const NormalPair below = NormalForms((a - v) * c);
+            // At the mirrored node a changes its sign, and the two arguments change places and signs.
+            MultiplyTimes(products[i], above.at - below.at, run);
+            MultiplyTimes(products[i + kHalfRule], below.mirrored - above.mirrored, run);
+        }
+    }
+    double sum = 0.0;
+    for (std::size_t i = 0; i < kRulePoints; ++i) sum += GaussHermite48.weights[i] * products[i];
+    return sum / kRootPi;
+}
+
+double HsuDistribution::ConditionalCDF(double x, double s) const {
+    const double v = x * s;
+    std::array<double, kRulePoints> products;
+    products.fill(1.0);
+    for (std::int32_t j = 0, run = 0; j < k_ - 1; j += run) {
+        run = RunLength(j, k_ - 1);
+        const double c = scale_[j];
+        for (std::size_t i = 0; i < kRulePoints; ++i) {
+            const double a = (lambda_[j] * kRootTwo) * GaussHermite48.nodes[i];
+            MultiplyTimes(products[i], NormalForm((a + v) * c), run);
+        }
+    }
+    double sum = 0.0;
+    for (std::size_t i = 0; i < kRulePoints; ++i) sum += GaussHermite48.weights[i] * products[i];
+    return sum / kRootPi;
+}
+
+void TukeyDistribution::FillFixedTerms() const {
+    for (std::size_t i = 0; i < kHalfRule; ++i) {
+        const NormalPair pair = NormalForms(scale_[0] * ((lambda_[0] * kRootTwo) * GaussHermite48.nodes[i]));
+        fixedTerms_[i] = pair.at;
+        fixedTerms_[i + kHalfRule] = pair.mirrored;
+    }
+    fixedTermsReady_ = true;
+}
+
+double TukeyDistribution::ConditionalCDF(double x, double s) const {
+    if (!fixedTermsReady_) FillFixedTerms();
+    const double v = x * s;
+    const double c = scale_[0];
+    double sum = 0.0;
+    for (std::size_t i = 0; i < kRulePoints; ++i) {
+        const double a = (lambda_[0] * kRootTwo) * GaussHermite48.nodes[i];
+        const double d = fixedTerms_[i] - NormalForm((a - v) * c);
+        sum += GaussHermite48.weights[i] * IntegerPower(d, k_ - 1);
+    }
+    return (k_ * sum) / kRootPi;
+}
+
+// The divisor of alpha is formed in 32-bit integers.
+
+std::pair<double, double> TukeyDistribution::QuantileRange(double alpha) const {
+    CheckDegreesOfFreedom();
+    const double single = -StudentT(alpha / 2);
+    const std::uint32_t k = static_cast<std::uint32_t>(k_);
+    return {single, -StudentT(alpha / static_cast<std::int32_t>(k * (k - 1)))};
+}
+
+std::pair<double, double> HsuDistribution::QuantileRange(double alpha) const {
+    CheckDegreesOfFreedom();
+    const double single = -StudentT(alpha);
+    return {single, -StudentT(alpha / static_cast<std::int32_t>(static_cast<std::uint32_t>(k_) - 1u))};
+}
+
+std::pair<double, double> DunnettDistribution::QuantileRange(double alpha) const {
+    CheckDegreesOfFreedom();
+    const double single = -StudentT(alpha / 2);
+    return {single, -StudentT(alpha / static_cast<std::int32_t>(2u * static_cast<std::uint32_t>(k_) - 2u))};
+}
+
+}  // namespace orvanth
