@@ -99,8 +99,8 @@ ORVANTH_API(int32_t) QR_Qy(double* a, const MatrixDescriptor* aDescriptor, int32
  * @param[out] vt           n by n, right singular vectors as rows
  * @param[in] vtDescriptor  only leadingDimension is read
  * @return INFO of dgesdd: 0; -2 rows, -3 columns, -5, -8 and -10 the leading dimensions; -4 for an infinity or
- *         a NaN in a; -12 when the workspace is too small, from 55 to 60 rows and columns on; above 0 the
- *         iteration did not converge.
+ *         a NaN in a; -12 when the workspace is too small, as for 57 by 57 or 100 by 50; above 0 the iteration
+ *         did not converge.
  * @par Failure
  * Status; a negative one changes nothing.
  * @par Source
