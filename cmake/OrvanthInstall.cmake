@@ -13,5 +13,6 @@ write_basic_package_version_file(${package_dir}/OrvanthCoreMathConfigVersion.cma
 install(FILES ${package_dir}/OrvanthCoreMathConfig.cmake ${package_dir}/OrvanthCoreMathConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvanthCoreMath)
 
+file(RELATIVE_PATH prefix_from_pc "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/orvanth-core-math.pc.in ${package_dir}/orvanth-core-math.pc @ONLY)
 install(FILES ${package_dir}/orvanth-core-math.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

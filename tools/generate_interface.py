@@ -111,12 +111,14 @@ def version_script():
     return "{\n    global:\n" + names + "    local:\n        *;\n};\n"
 
 
-ZERO = {"double": "0.5", "int32_t": "1", "TailFlag": "0", "RandomStreamHandle": "0"}
+PROBABILITIES = {"p", "q", "probability", "alpha"}
 
 
 def smoke_argument(argument):
-    if argument.type in ZERO:
-        return ZERO[argument.type]
+    if argument.type == "double":
+        return "0.5" if argument.name in PROBABILITIES else "1.0"
+    if argument.type in ("int32_t", "TailFlag"):
+        return "2" if argument.name == "k" else "1"
     if argument.type == "const MatrixDescriptor*":
         return "&one"
     if argument.type == "LBFGSBDriverState*":
@@ -140,7 +142,7 @@ def smoke():
                               else smoke_argument(a) for a in e.arguments)
         target = {"CreateRandomStream": "stream = ", "LBFGSBStart": "state = "}.get(
             e.name, "" if e.result == "void" else "(void)")
-        lines += ["    doubles[0] = 0.5;", "    integers[0] = 0;", f"    {target}{e.name}({arguments});",
+        lines += ["    doubles[0] = doubles[1] = 0.5;", "    integers[0] = 0;", f"    {target}{e.name}({arguments});",
                   "    ++calls;"]
     lines += [f'    printf("%d of {len(table)} exports called from C\\n", calls);',
               f"    return calls == {len(table)} ? 0 : 1;", "}"]

@@ -13,28 +13,178 @@
  * which is evaluated by itself and not as one minus the lower tail.
  */
 
+/**
+ * Density of the beta distribution on [0, 1].
+ *
+ * @param[in] x     in [0, 1]
+ * @param[in] a     greater than 0, finite
+ * @param[in] b     greater than 0, finite
+ * @return x^(a-1) (1-x)^(b-1) / B(a, b). At x = 0: 0 for a > 1, b for a = 1, +infinity with errno 34 for a < 1; at x = 1 the
+ *         same with b.
+ * @par Failure
+ * Silent. A bad a, b or x: NaN, errno 33.
+ * @par Method
+ * From the incomplete beta function of Boost.Math.
+ */
 ORVANTH_API(double) BetaPDF(double x, double a, double b);
 
+/**
+ * Cumulative probability of the beta distribution on [0, 1].
+ *
+ * @param[in] x     in [0, 1]
+ * @param[in] a     greater than 0, finite
+ * @param[in] b     greater than 0, finite
+ * @param[in] tail  clear: P(X <= x); set: P(X > x)
+ * @return the probability; 0 at x = 0 and 1 at x = 1; in the upper tail the reverse.
+ * @par Failure
+ * Silent. A bad a, b or x: NaN, errno 33.
+ * @par Method
+ * From the incomplete beta function of Boost.Math.
+ */
 ORVANTH_API(double) BetaCDF(double x, double a, double b, TailFlag tail);
 
+/**
+ * Quantile of the beta distribution on [0, 1].
+ *
+ * @param[in] p     in [0, 1]
+ * @param[in] a     greater than 0, finite
+ * @param[in] b     greater than 0, finite
+ * @param[in] tail  clear: the lower tail is p; set: the upper tail is p
+ * @return x; 0 at p = 0 and 1 at p = 1; in the upper tail the reverse.
+ * @par Failure
+ * Silent. A bad a or b, or p outside [0, 1] or a NaN: NaN, errno 33.
+ * @par Method
+ * From the incomplete beta function of Boost.Math.
+ */
 ORVANTH_API(double) BetaICDF(double p, double a, double b, TailFlag tail);
 
+/**
+ * Density of the chi-squared distribution.
+ *
+ * @param[in] x     not below 0, finite
+ * @param[in] df    degrees of freedom, greater than 0, finite
+ * @return x^(df/2-1) exp(-x/2) / (2^(df/2) Gamma(df/2)). At x = 0: +infinity with errno 34 for df < 2, 0.5 for df = 2, 0 above.
+ * @par Failure
+ * Silent. A bad df or x: NaN, errno 33.
+ * @par Method
+ * From the incomplete gamma function of Boost.Math.
+ */
 ORVANTH_API(double) ChiSquaredPDF(double x, double df);
 
+/**
+ * Cumulative probability of the chi-squared distribution.
+ *
+ * @param[in] x     not below 0, finite
+ * @param[in] df    degrees of freedom, greater than 0, finite
+ * @param[in] tail  clear: P(X <= x); set: P(X > x)
+ * @return the probability; 0 at x = 0 (upper tail 1). An infinite x is refused.
+ * @par Failure
+ * Silent. A bad df or x: NaN, errno 33.
+ * @par Method
+ * From the incomplete gamma function of Boost.Math.
+ */
 ORVANTH_API(double) ChiSquaredCDF(double x, double df, TailFlag tail);
 
+/**
+ * Quantile of the chi-squared distribution.
+ *
+ * @param[in] p     in [0, 1]
+ * @param[in] df    degrees of freedom, greater than 0, finite
+ * @param[in] tail  clear: the lower tail is p; set: the upper tail is p
+ * @return x; 0 at p = 0; +infinity with errno untouched at p = 1; in the upper tail the reverse.
+ * @par Failure
+ * Silent. A bad df with a good p: NaN, errno 33. p outside [0, 1]: errno 33, and the calculation goes on to NaN.
+ * @par Method
+ * From the incomplete gamma function of Boost.Math.
+ */
 ORVANTH_API(double) ChiSquaredICDF(double p, double df, TailFlag tail);
 
+/**
+ * Density of the Fisher's F distribution.
+ *
+ * @param[in] x     not below 0, finite
+ * @param[in] df1   numerator degrees of freedom, greater than 0, finite
+ * @param[in] df2   denominator degrees of freedom, greater than 0, finite
+ * @return the density. At x = 0: +infinity with errno 34 for df1 < 2, 1 for df1 = 2, 0 above.
+ * @par Failure
+ * Silent. A bad df1, df2 or x: NaN, errno 33.
+ * @par Method
+ * From the incomplete beta function of Boost.Math.
+ */
 ORVANTH_API(double) FisherFPDF(double x, double df1, double df2);
 
+/**
+ * Cumulative probability of the Fisher's F distribution.
+ *
+ * @param[in] x     not below 0, finite
+ * @param[in] df1   numerator degrees of freedom, greater than 0, finite
+ * @param[in] df2   denominator degrees of freedom, greater than 0, finite
+ * @param[in] tail  clear: P(X <= x); set: P(X > x)
+ * @return the probability; 0 at x = 0 (upper tail 1). An infinite x is refused.
+ * @par Failure
+ * Silent. A bad df1, df2 or x: NaN, errno 33.
+ * @par Method
+ * From the incomplete beta function of Boost.Math.
+ */
 ORVANTH_API(double) FisherFCDF(double x, double df1, double df2, TailFlag tail);
 
+/**
+ * Quantile of the Fisher's F distribution.
+ *
+ * @param[in] p     in [0, 1]
+ * @param[in] df1   numerator degrees of freedom, greater than 0, finite
+ * @param[in] df2   denominator degrees of freedom, greater than 0, finite
+ * @param[in] tail  clear: the lower tail is p; set: the upper tail is p
+ * @return x; 0 at p = 0, +infinity at p = 1; in the upper tail the reverse.
+ * @par Failure
+ * Silent. A bad df1 with all else good: NaN, errno 33. Other bad input: errno 33, and the calculation goes on to NaN.
+ * @par Method
+ * From the incomplete beta function of Boost.Math.
+ */
 ORVANTH_API(double) FisherFICDF(double p, double df1, double df2, TailFlag tail);
 
+/**
+ * Density of the gamma distribution, by scale and not by rate.
+ *
+ * @param[in] x     not below 0, finite
+ * @param[in] shape greater than 0, finite
+ * @param[in] scale greater than 0, finite
+ * @return x^(shape-1) exp(-x/scale) / (scale^shape Gamma(shape)). At x = 0 the answer is 0 for every shape, on purpose.
+ * @par Failure
+ * Silent. A bad shape, scale or x: NaN, errno 33.
+ * @par Method
+ * From the incomplete gamma function of Boost.Math.
+ */
 ORVANTH_API(double) GammaPDF(double x, double shape, double scale);
 
+/**
+ * Cumulative probability of the gamma distribution, by scale and not by rate.
+ *
+ * @param[in] x     not below 0, finite
+ * @param[in] shape greater than 0, finite
+ * @param[in] scale greater than 0, finite
+ * @param[in] tail  clear: P(X <= x); set: P(X > x)
+ * @return the probability; 0 at x = 0 (upper tail 1). An infinite x is refused.
+ * @par Failure
+ * Silent. A bad shape, scale or x: NaN, errno 33.
+ * @par Method
+ * From the incomplete gamma function of Boost.Math.
+ */
 ORVANTH_API(double) GammaCDF(double x, double shape, double scale, TailFlag tail);
 
+/**
+ * Quantile of the gamma distribution, by scale and not by rate.
+ *
+ * @param[in] p     in [0, 1]
+ * @param[in] shape greater than 0, finite
+ * @param[in] scale greater than 0, finite
+ * @param[in] tail  clear: the lower tail is p; set: the upper tail is p
+ * @return x; 0 at p = 0; +infinity with errno 34 at p = 1; in the upper tail the reverse.
+ * @par Failure
+ * Silent. A bad shape or scale, or p outside [0, 1] or a NaN: NaN, errno 33.
+ * @par Method
+ * From the incomplete gamma function of Boost.Math.
+ */
 ORVANTH_API(double) GammaICDF(double p, double shape, double scale, TailFlag tail);
 
 /**
@@ -80,26 +230,161 @@ ORVANTH_API(double) NormalCDF(double x, double mean, double sd, TailFlag tail);
  */
 ORVANTH_API(double) NormalICDF(double p, double mean, double sd, TailFlag tail);
 
+/**
+ * Density of the Student's t distribution.
+ *
+ * @param[in] x     any double
+ * @param[in] df    degrees of freedom, greater than 0, finite
+ * @return the density; 0 at +-infinity, NaN for NaN without errno.
+ * @par Failure
+ * Silent. A bad df: NaN, errno 33.
+ * @par Method
+ * From the incomplete beta function, and W. T. Shaw's and G. W. Hill's expansions for the quantile (J. Comp. Fin. 9 (2006) 37; CACM 13 (1970) 619): Boost.Math.
+ */
 ORVANTH_API(double) StudentTPDF(double x, double df);
 
+/**
+ * Cumulative probability of the Student's t distribution.
+ *
+ * @param[in] x     any double
+ * @param[in] df    degrees of freedom, greater than 0, finite
+ * @param[in] tail  clear: P(X <= x); set: P(X > x)
+ * @return the probability; 0.5 at x = 0. The upper tail is the lower tail at -x, bit for bit.
+ * @par Failure
+ * Silent. A bad df: NaN, errno 33.
+ * @par Method
+ * From the incomplete beta function, and W. T. Shaw's and G. W. Hill's expansions for the quantile (J. Comp. Fin. 9 (2006) 37; CACM 13 (1970) 619): Boost.Math.
+ */
 ORVANTH_API(double) StudentTCDF(double x, double df, TailFlag tail);
 
+/**
+ * Quantile of the Student's t distribution.
+ *
+ * @param[in] p     in [0, 1]
+ * @param[in] df    degrees of freedom, greater than 0, finite
+ * @param[in] tail  clear: the lower tail is p; set: the upper tail is p
+ * @return x; -infinity at p = 0 and +infinity at p = 1, both with errno 34; 0 at p = 0.5. The tail flag negates the
+ *         result, so that p = 0.5 gives -0.
+ * @par Failure
+ * Silent. A bad df: NaN, errno 33. p outside [0, 1]: NaN, errno 33.
+ * @par Method
+ * From the incomplete beta function, and W. T. Shaw's and G. W. Hill's expansions for the quantile (J. Comp. Fin. 9 (2006) 37; CACM 13 (1970) 619): Boost.Math.
+ */
 ORVANTH_API(double) StudentTICDF(double p, double df, TailFlag tail);
 
+/**
+ * Point probability of the binomial distribution.
+ *
+ * @param[in] k  successes, 0 to n; need not be whole
+ * @param[in] n  trials, not below 0, finite
+ * @param[in] p  success fraction in [0, 1]
+ * @return P(X = k). With p = 0 or p = 1 or n = 0 the mass stands at one point.
+ * @par Failure
+ * Throws std::domain_error, tests in this order: "Success fraction argument is ...", "Number of Trials argument is
+ * ...", "Number of Successes argument is ..." (below 0, or above n).
+ * @par Method
+ * The derivative of the incomplete beta function.
+ */
 ORVANTH_API(double) BinomialPDF(double k, double n, double p);
 
+/**
+ * Cumulative probability of the binomial distribution.
+ *
+ * @param[in] k     successes, 0 to n; need not be whole: the formula extends to it
+ * @param[in] n     trials, not below 0, finite
+ * @param[in] p     success fraction in [0, 1]
+ * @param[in] tail  clear: P(X <= k); set: P(X > k)
+ * @return 1 - I_p(k + 1, n - k), in the upper tail I_p(k + 1, n - k); at k = n 1 and 0.
+ * @par Failure
+ * As BinomialPDF: a k above n throws, it does not answer 1.
+ * @par Method
+ * The regularized incomplete beta function.
+ */
 ORVANTH_API(double) BinomialCDF(double k, double n, double p, TailFlag tail);
 
+/**
+ * Quantile of the binomial distribution, a whole number.
+ *
+ * @param[in] probability  in [0, 1]
+ * @param[in] n            trials, not below 0, finite
+ * @param[in] p            success fraction in [0, 1]
+ * @param[in] tail         set: 1 - probability, rounded, takes the place of the probability
+ * @param[in] roundUp      zero: the floor of the real solution; any other word: its ceiling
+ * @return k; 0 where the probability does not exceed (1 - p)^n, n at probability 1.
+ * @par Failure
+ * Throws std::domain_error as BinomialPDF, and "Probability argument is ...".
+ * @par Method
+ * A Cornish-Fisher estimate and a search over whole numbers.
+ */
 ORVANTH_API(double) BinomialICDF(double probability, double n, double p, TailFlag tail,
                                  int32_t roundUp);
 
+/**
+ * One-sided exact bound on the success fraction (Clopper-Pearson).
+ *
+ * @param[in] alpha          one-sided tail area in [0, 1]; for a two-sided interval pass half of it to each bound
+ * @param[in] successes      0 to trials
+ * @param[in] trials         not below 0, finite
+ * @param[in] boundSelector  0: lower bound, 1: upper bound; the whole word counts
+ * @return the bound; 0 for no success (lower), 1 for no failure (upper), alpha then unseen; -1 for any other
+ *         selector, without a test of the other arguments.
+ * @par Failure
+ * Throws std::domain_error: "Number of Trials argument is ...", "Number of Successes argument is ...", "Argument p
+ * outside the range [0,1] ..." (lower) or "Argument q ..." (upper).
+ * @par Method
+ * C. J. Clopper and E. S. Pearson, Biometrika 26 (1934) 404, by the inverse incomplete beta function.
+ */
 ORVANTH_API(double) BinomialPS(double alpha, double successes, double trials,
                                int32_t boundSelector);
 
+/**
+ * Point probability of the count of marked items in a sample drawn without replacement.
+ *
+ * @param[in] x  count; must be whole and in the support, max(0, n + r - N) to min(n, r)
+ * @param[in] r  marked items in the population, truncated to 32 unsigned bits
+ * @param[in] n  sample size, truncated
+ * @param[in] N  population size, truncated
+ * @return P(X = x).
+ * @par Failure
+ * Throws std::domain_error: "Parameter r out of range ...", "Parameter n out of range ...", "Random variable out of
+ * range ..." (not whole, negative, outside the support); boost::math::rounding_error for an x that no 32-bit integer
+ * holds, a NaN too.
+ * @par Method
+ * By population: factorials up to 170, exact prime factorisation up to 104729, Lanczos above.
+ */
 ORVANTH_API(double) HypergeometricPDF(double x, double r, double n, double N);
 
+/**
+ * Cumulative probability of the count of marked items in a sample drawn without replacement.
+ *
+ * @param[in] x     count, as for HypergeometricPDF
+ * @param[in] r     marked items in the population, truncated to 32 unsigned bits
+ * @param[in] n     sample size, truncated
+ * @param[in] N     population size, truncated
+ * @param[in] tail  clear: P(X <= x); set: P(X > x)
+ * @return the probability, clamped to [0, 1]; 1 at the end of the support (upper tail 0).
+ * @par Failure
+ * As HypergeometricPDF: an x outside the support throws.
+ * @par Method
+ * Summation by the ratio of neighbouring probabilities, on the side of the mode that x is on.
+ */
 ORVANTH_API(double) HypergeometricCDF(double x, double r, double n, double N, TailFlag tail);
 
+/**
+ * Quantile of the count of marked items in a sample drawn without replacement, rounded up.
+ *
+ * @param[in] p     in [0, 1]
+ * @param[in] r     marked items in the population, truncated to 32 unsigned bits
+ * @param[in] n     sample size, truncated
+ * @param[in] N     population size, truncated
+ * @param[in] tail  clear: the lower tail is p; set: the upper tail is p
+ * @return the count; the lower end of the support at p = 0, the upper end at p = 1.
+ * @par Failure
+ * Throws std::domain_error: "Parameter r out of range ...", "Parameter n out of range ...", "Probability argument is
+ * ...".
+ * @par Method
+ * A walk from the nearer end of the support; its length is that of the support.
+ */
 ORVANTH_API(double) HypergeometricICDF(double p, double r, double n, double N, TailFlag tail);
 
 #endif

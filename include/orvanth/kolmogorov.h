@@ -4,8 +4,46 @@
 
 #include "orvanth/types.h"
 
+/**
+ * @file
+ * The exact distribution of the two-sided Kolmogorov statistic D_n: the largest absolute distance between
+ * the empirical distribution of n observations and the true continuous one.
+ *
+ * Which algorithm serves which region of (n, x), and the error of each, stands in docs/accuracy/kolmogorov.md.
+ */
+
+/**
+ * Cumulative probability of the Kolmogorov statistic D_n for a finite sample.
+ *
+ * @param[in] x           the statistic; below 0 the answer is 0 (upper tail 1) for any n
+ * @param[in] n           sample size from 1 to 2^31 - 1, truncated toward zero: 10.9 means 10
+ * @param[in] complement  zero: P(D_n <= x); any other value: P(D_n > x). The whole word counts
+ * @return the probability; exactly 0 up to x = 0.5/n and exactly 1 from x = 1 on, or from n x^2 = 18 on
+ *         (the upper tail reaches 0 at n x^2 = 370). Where n > 140 the value is not clamped to [0, 1].
+ * @par Failure
+ * None is reported and errno stays as it was. An x that is a NaN, or an n that truncates to no 32-bit
+ * integer of at least 0, gives NaN. n = 0 gives 0 or 1.
+ * @par Method
+ * By region: J. Durbin's matrix power, J. Pomeranz' recursion (Comm. ACM 17 (1974) 703), the series of
+ * W. Pelz and I. J. Good (J. Roy. Statist. Soc. B 38 (1976) 152), and twice the one-sided tail.
+ */
 ORVANTH_API(double) KolmogorovCDF(double x, double n, int32_t complement);
 
+/**
+ * Quantile of the Kolmogorov statistic D_n.
+ *
+ * @param[in] p           probability in [0, 1]
+ * @param[in] n           sample size from 1 to 2^31 - 1; the search starts at 1.36/sqrt(n), the evaluations
+ *                        truncate n
+ * @param[in] complement  zero: P(D_n <= x) = p; any other value: P(D_n > x) = p. The whole word counts
+ * @return x within a relative 2^-23. At p = 0 and p = 1 the first point of the search, which doubles or
+ *         halves from its start, where the probability is exactly 0 or 1.
+ * @par Failure
+ * Throws boost::math::evaluation_error, "Unable to bracket root, last nearest value was ...", for p outside
+ * [0, 1] or a NaN, and for an n that no sample can have. errno stays as it was.
+ * @par Method
+ * Bracketing by steps of 2 and the TOMS 748 root search (Alefeld, Potra, Shi 1995), at most 100 evaluations.
+ */
 ORVANTH_API(double) KolmogorovICDF(double p, double n, int32_t complement);
 
 #endif

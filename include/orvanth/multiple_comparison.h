@@ -4,16 +4,124 @@
 
 #include "orvanth/types.h"
 
+/**
+ * @file
+ * Distributions of three multiple-comparison statistics: all pairs (MCa, Tukey), comparisons with the best
+ * (MCb, Hsu), comparisons with a control (MCc, Dunnett).
+ *
+ * With group means m_i of n_i observations and the pooled standard deviation s on df degrees of freedom:
+ *
+ * - MCa, k groups: x = max |m_i - m_j| / (s sqrt(1/n_i + 1/n_j)) over all pairs, which is the studentised
+ *   range divided by sqrt 2. Equal groups: lambda_0 = 1/sqrt 2, and only lambda_0 is read. For unequal groups
+ *   the same value gives the conservative Tukey-Kramer answer.
+ * - MCb and MCc, k groups, the last of them the one compared with: x is the largest of the k - 1 statistics
+ *   (m_i - m_k) / (s sqrt(1/n_i + 1/n_k)), for MCc of their absolute values. lambda_i = sqrt(n_i / (n_i + n_k))
+ *   for i = 0 to k - 2; with equal groups all are 1/sqrt 2. The statistics i and j correlate by
+ *   lambda_i lambda_j. The last element is not read, but must be there.
+ *
+ * The integral over the scale leaves out 5e-8 of its distribution at each end, so no probability exceeds about
+ * 0.9999999. From df = 1000 on the scale counts as known.
+ */
+
+/**
+ * Cumulative probability of the largest of all pairwise comparisons (Tukey).
+ *
+ * @param[in] x       the statistic on the scale of t; any double but NaN
+ * @param[in] k       number of groups, at least 1
+ * @param[in] df      degrees of freedom of the scale, greater than 0; infinity and all from 1000 on: known scale
+ * @param[in] lambda  k coefficients, only read; lambda[0] = 1/sqrt 2 for the studentised range
+ * @param[in] tail    clear: P(X <= x); set: 1 minus that
+ * @return the probability, not clamped; about 0.9999999 at x = infinity. An odd power of the inner
+ *         probability may make it negative for negative x.
+ * @par Failure
+ * Throws std::domain_error: df <= 0 or a NaN ("Degrees of freedom argument is ..."), x a NaN or |lambda[0]| > 1
+ * ("Random variate x is ..."). errno stays as it was. What was allocated for the call is then not released.
+ * @par Method
+ * 48-point Gauss-Legendre over the scale, 48-point Gauss-Hermite over the latent normal variable.
+ */
 ORVANTH_API(double) MCaCDF(double x, int32_t k, double df, const double* lambda, TailFlag tail);
 
+/**
+ * Quantile of the largest of all pairwise comparisons (Tukey).
+ *
+ * @param[in] p       probability in (0, 0.9999999)
+ * @param[in] k       number of groups, at least 2; with 2 the Student t quantile itself
+ * @param[in] df      degrees of freedom, finite and greater than 0
+ * @param[in] lambda  k coefficients, only read
+ * @param[in] tail    clear: P(X <= x) = p; set: P(X > x) = p, taken as 1 - p
+ * @return x within a relative 2^-23.
+ * @par Failure
+ * Throws. std::domain_error: df <= 0 or not finite ("Degrees of freedom argument is ..."; an infinite df is
+ * refused here although the cumulative form takes it); a p that has no solution ("Parameters a and b do not
+ * bracket the root: a=..."). std::overflow_error, "Overflow Error": p = 1, with a set tail p = 0.
+ * @par Method
+ * TOMS 748 between the quantile of one comparison and Bonferroni's bound, to 24 bits.
+ */
 ORVANTH_API(double) MCaICDF(double p, int32_t k, double df, const double* lambda, TailFlag tail);
 
+/**
+ * Cumulative probability of the largest one-sided comparison with one group (Hsu, one-sided Dunnett).
+ *
+ * @param[in] x       the statistic on the scale of t; any double but NaN
+ * @param[in] k       number of groups, at least 1
+ * @param[in] df      degrees of freedom of the scale, greater than 0; from 1000 on the scale counts as known
+ * @param[in] lambda  k coefficients, only read; lambda[k-1] is not used
+ * @param[in] tail    clear: P(X <= x); set: 1 minus that
+ * @return the probability, not clamped; about 0.9999999 at x = infinity.
+ * @par Failure
+ * As MCaCDF; |lambda[j]| > 1 counts for every j but the last.
+ * @par Method
+ * As MCaCDF. C. W. Dunnett, J. Amer. Statist. Assoc. 50 (1955) 1096; J. C. Hsu, Ann. Statist. 9 (1981) 1026.
+ */
 ORVANTH_API(double) MCbCDF(double x, int32_t k, double df, const double* lambda, TailFlag tail);
 
+/**
+ * Quantile of the largest one-sided comparison with one group (Hsu, one-sided Dunnett).
+ *
+ * @param[in] p       probability in (0, 0.9999999)
+ * @param[in] k       number of groups, at least 2; with 2 the Student t quantile itself
+ * @param[in] df      degrees of freedom, finite and greater than 0
+ * @param[in] lambda  k coefficients, only read; lambda[k-1] is not used
+ * @param[in] tail    clear: P(X <= x) = p; set: P(X > x) = p, taken as 1 - p
+ * @return x within a relative 2^-23.
+ * @par Failure
+ * As MCaICDF; p = 0 (with a set tail p = 1) throws std::overflow_error as well.
+ * @par Method
+ * As MCaICDF.
+ */
 ORVANTH_API(double) MCbICDF(double p, int32_t k, double df, const double* lambda, TailFlag tail);
 
+/**
+ * Cumulative probability of the largest two-sided comparison with a control (Dunnett).
+ *
+ * @param[in] x       the statistic on the scale of t; any double but NaN
+ * @param[in] k       number of groups, the control among them, at least 1
+ * @param[in] df      degrees of freedom of the scale, greater than 0; from 1000 on the scale counts as known
+ * @param[in] lambda  k coefficients, only read; lambda[k-1] is not used
+ * @param[in] tail    clear: P(X <= x); set: 1 minus that
+ * @return the probability, not clamped; exactly 0 at x = 0 for k >= 2, about 0.9999999 at x = infinity. For
+ *         negative x the product of k - 1 negative factors.
+ * @par Failure
+ * As MCbCDF.
+ * @par Method
+ * As MCaCDF. C. W. Dunnett, J. Amer. Statist. Assoc. 50 (1955) 1096.
+ */
 ORVANTH_API(double) MCcCDF(double x, int32_t k, double df, const double* lambda, TailFlag tail);
 
+/**
+ * Quantile of the largest two-sided comparison with a control (Dunnett).
+ *
+ * @param[in] p       probability in (0, 0.9999999)
+ * @param[in] k       number of groups, the control among them, at least 2; with 2 the Student t quantile itself
+ * @param[in] df      degrees of freedom, finite and greater than 0
+ * @param[in] lambda  k coefficients, only read; lambda[k-1] is not used
+ * @param[in] tail    clear: P(X <= x) = p; set: P(X > x) = p, taken as 1 - p
+ * @return x within a relative 2^-23.
+ * @par Failure
+ * As MCaICDF.
+ * @par Method
+ * As MCaICDF.
+ */
 ORVANTH_API(double) MCcICDF(double p, int32_t k, double df, const double* lambda, TailFlag tail);
 
 #endif

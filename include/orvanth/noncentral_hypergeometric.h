@@ -4,12 +4,74 @@
 
 #include "orvanth/types.h"
 
+/**
+ * @file
+ * Fisher's noncentral hypergeometric distribution: x marked items in a sample of n out of a population of N,
+ * of which m are marked, each marked item with relative weight `odds`. P(x) is proportional to
+ * C(m, x) C(N - m, n - x) odds^x for x from max(0, n + m - N) to min(n, m).
+ *
+ * The conditional distribution of a 2 x 2 table with given margins; its exact test and the interval of the odds
+ * ratio follow from the cumulative form. Arguments are not tested against each other.
+ */
+
+/**
+ * Cumulative probability of Fisher's noncentral hypergeometric distribution.
+ *
+ * @param[in] x         the count, any 32-bit integer
+ * @param[in] n         sample size, 0 to N
+ * @param[in] m         marked items, 0 to N
+ * @param[in] N         population size
+ * @param[in] odds      odds ratio, greater than 0
+ * @param[in] tail      clear: P(X <= x); set: P(X > x). Stands before the accuracy
+ * @param[in] accuracy  what the table may leave out, for instance 1e-8; 0 or a NaN: nothing
+ * @return the probability. Below the table exactly 0 (upper tail 1), from its end on exactly 1 (upper tail 0).
+ *         The tail that does not contain the mean is summed by itself.
+ * @par Failure
+ * In band: -4.4462302923349974e+196, a finite number, where the mean lies outside the table or no
+ * distribution exists (odds <= 0 with n > N - m, inconsistent counts). errno stays as it was.
+ * @par Memory
+ * The call's table, 8 bytes an entry, is not released, on purpose.
+ * @par Method
+ * Multiplicative recurrence outward from the mode; Cornfield's mean (Proc. 3rd Berkeley Symp. 4 (1956) 135).
+ */
 ORVANTH_API(double) FNCHypergeometricCDF(int32_t x, int32_t n, int32_t m, int32_t N, double odds,
                                          TailFlag tail, double accuracy);
 
+/**
+ * Quantile of Fisher's noncentral hypergeometric distribution.
+ *
+ * @param[in] p         probability; not tested
+ * @param[in] n         sample size, 0 to N
+ * @param[in] m         marked items, 0 to N
+ * @param[in] N         population size
+ * @param[in] odds      odds ratio, greater than 0
+ * @param[in] tail      clear: of p in the lower tail; set: of 1 - p. Stands before the accuracy
+ * @param[in] accuracy  what the table may leave out, for instance 1e-8
+ * @return the first x whose cumulative probability is not below p, a whole number; the first entry of the table
+ *         for p <= 0, the last for p > 1 and for a NaN.
+ * @par Failure
+ * In band: -4.4462302923349974e+196 where no distribution exists.
+ * @par Method
+ * Binary search in the table of cumulative sums.
+ */
 ORVANTH_API(double) FNCHypergeometricICDF(double p, int32_t n, int32_t m, int32_t N, double odds,
                                           TailFlag tail, double accuracy);
 
+/**
+ * Mean and variance of Fisher's noncentral hypergeometric distribution, by summation.
+ *
+ * @param[in]  n         sample size, 0 to N
+ * @param[in]  m         marked items, 0 to N
+ * @param[in]  N         population size
+ * @param[in]  odds      odds ratio, greater than 0
+ * @param[out] mean      the mean
+ * @param[out] variance  the variance, not below 0
+ * @par Failure
+ * In band: for odds 0 with n > N - m sums of -4.4462302923349974e+196; NaN for negative odds. Offsets from
+ * the mean are squared in 32 bits: beyond 46340 standard steps the variance is not to be relied on.
+ * @par Method
+ * Point probabilities from log-factorials, summed outward from the mean to a relative 1e-9.
+ */
 ORVANTH_API(void) FNCHypergeometricMoments(int32_t n, int32_t m, int32_t N, double odds,
                                            double* mean, double* variance);
 

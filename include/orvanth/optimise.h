@@ -4,11 +4,76 @@
 
 #include "orvanth/types.h"
 
+/**
+ * @file
+ * Bound-constrained minimisation of a smooth function, one step at a time. The library never calls back: the caller
+ * owns the loop and evaluates the function and its gradient when a step asks for them.
+ *
+ *     state = LBFGSBStart(n, m, l, u, nbd, factr, pgtol);
+ *     do {
+ *         code = LBFGSBStep(state, x, &f, g);
+ *         if (code == 1) f = objective(x, g);
+ *     } while (code == 1 || code == 2);
+ *     LBFGSBEnd(state);
+ *
+ * The method is L-BFGS-B 3.0: R. H. Byrd, P. Lu, J. Nocedal and C. Zhu, "A limited memory algorithm for bound
+ * constrained optimization", SIAM J. Scientific Computing 16 (1995) 1190-1208; C. Zhu, R. H. Byrd, P. Lu and J. Nocedal,
+ * "Algorithm 778", ACM Trans. Math. Software 23 (1997) 550-560; J. L. Morales and J. Nocedal, "Remark on Algorithm 778",
+ * ACM Trans. Math. Software 38 (2011) 7. No errno is set and nothing is thrown. Several minimisations may be interleaved,
+ * but no two threads may be inside LBFGSBStep or LBFGSBEnd at the same moment, even on different states.
+ */
+
+/**
+ * Makes the state of one minimisation; nothing is validated before the first step.
+ *
+ * @param[in] n      number of variables
+ * @param[in] m      number of correction pairs kept, 3 to 20 for most problems; the workspace has
+ *                   2mn + 5n + 11m^2 + 8m doubles
+ * @param[in] l      n lower bounds, read where nbd is 1 or 2; copied
+ * @param[in] u      n upper bounds, read where nbd is 2 or 3; copied
+ * @param[in] nbd    kind of bound of each of the n variables: 0 none, 1 lower, 2 both, 3 upper; copied
+ * @param[in] factr  >= 0: a step that lowers f by at most factr * 2^-52 * max(|f before|, |f|, 1) ends the
+ *                   minimisation; 1e7 is moderate accuracy, 10 high, 0 stops only where f did not decrease at all
+ * @param[in] pgtol  the minimisation ends where no component of the projected gradient exceeds it; at 0 only an exactly
+ *                   zero projected gradient does
+ * @return the state, to be released by LBFGSBEnd; null if n is negative, if memory is short, or if the workspace would
+ *         have 2^31 doubles or more
+ */
 ORVANTH_API(LBFGSBDriverState*) LBFGSBStart(int32_t n, int32_t m, const double* l, const double* u,
                                             const int32_t* nbd, double factr, double pgtol);
 
+/**
+ * Advances a minimisation to the next point where the caller has something to do.
+ *
+ * Each code tells what is wanted or how it ended:
+ *
+ * | code | meaning |
+ * |---|---|
+ * | 1 | evaluate f and g at the x returned and call again with them |
+ * | 2 | x is a finished iterate with its f and g: look at it, stop, or call again with all three unchanged |
+ * | 3 | converged: x, f and g are the solution |
+ * | 4 | the line search failed for good: x, f and g are the last good point |
+ * | 5 | the arguments of LBFGSBStart were rejected: n or m is not positive, factr is negative, a kind of bound is not 0 to 3, or a lower bound lies above its upper bound where both count; also the answer to a null state |
+ * | 0 | anything else; not seen |
+ *
+ * The first step answers 1 or 5. A start outside the bounds is projected onto them, so f and g belong to the x returned,
+ * not to the x given. Convergence is reported by the step after a finished iterate, never together with it. In rare
+ * conditions a message about the direction of descent is printed on standard output. After code 3, 4 or 5 no
+ * further step makes sense.
+ *
+ * @param[in,out] state  of LBFGSBStart
+ * @param[in,out] x      n doubles: the start at the first step, afterwards as they came back; where to evaluate next
+ * @param[in,out] f      the function's value at x; its value at the first step does not matter
+ * @param[in,out] g      n doubles: the gradient at x; their values at the first step do not matter, but are returned
+ * @return the code
+ */
 ORVANTH_API(int32_t) LBFGSBStep(LBFGSBDriverState* state, double* x, double* f, double* g);
 
+/**
+ * Closes a minimisation, finished or not, and releases its state.
+ *
+ * @param[in] state  of LBFGSBStart, right after any code and also without any step; null is let be
+ */
 ORVANTH_API(void) LBFGSBEnd(LBFGSBDriverState* state);
 
 #endif

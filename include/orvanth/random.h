@@ -4,16 +4,86 @@
 
 #include "orvanth/types.h"
 
+/**
+ * @file
+ * Seeded random numbers: the Mersenne Twister MT19937, one 32-bit word to each number delivered.
+ *
+ * A seed fixes every number, on every processor and however the draws are divided among calls. Normal variates are
+ * a one-shot operation on a seed; index draws continue a stream. A stream serves one thread at a time; calls on
+ * different streams, and the normal exports, may run at once.
+ */
+
+/**
+ * Makes a stream of random words.
+ *
+ * @param[in] seed  any 32-bit integer; a negative one is its bit pattern
+ * @return the handle, to be given to DeleteRandomStream; 0 if there is no memory.
+ * @par Method
+ * M. Matsumoto and T. Nishimura, ACM Trans. Model. Comput. Simul. 8 (1998) 3; seeding by an array of one word.
+ */
 ORVANTH_API(RandomStreamHandle) CreateRandomStream(int32_t seed);
 
+/**
+ * Releases a stream. The host drops its own copy of the handle.
+ *
+ * @param[in] stream  a live handle
+ * @return 0; -5 for the handle 0; -1006 for a handle that points at no live stream.
+ * @par Failure
+ * A negative status is also told on standard output: a blank line and "... Parameter 1 was incorrect on entry to
+ * vslDeleteStream.".
+ */
 ORVANTH_API(int32_t) DeleteRandomStream(RandomStreamHandle stream);
 
+/**
+ * Fills an array with normal variates.
+ *
+ * @param[out] values  count doubles
+ * @param[in]  count   how many; 0 draws nothing
+ * @param[in]  mean    added to each; a NaN makes every variate a NaN
+ * @param[in]  sigma   standard deviation, greater than 0; a NaN passes and is the result
+ * @param[in]  seed    any 32-bit integer: the same numbers for the same seed
+ * @return always 0. Each variate is mean + sqrt(2) sigma erfinv(u), u = word 2^-31 - 1; the word 0 gives the finite
+ *         cut-off -8.2923610758136 standard deviations.
+ * @par Failure
+ * Told on standard output alone, `values` untouched: sigma <= 0 (parameter 6), count < 0 (3), null values (4) of
+ * vdRngGaussian.
+ * @par Method
+ * Inversion: erfinv from a table of 212 intervals, to under one unit in the last place.
+ */
 ORVANTH_API(int32_t) RandomNormalVariable(double* values, int32_t count, double mean, double sigma,
                                           int32_t seed);
 
+/**
+ * Fills a matrix with normal variates, column after column.
+ *
+ * @param[out] values   rows * columns doubles, leading dimension rows
+ * @param[in]  rows     rows; 0 draws nothing
+ * @param[in]  columns  columns; 0 or less draws nothing, without a message
+ * @param[in]  mean     added to each
+ * @param[in]  sigma    standard deviation, greater than 0
+ * @param[in]  seed     any 32-bit integer
+ * @return always 0. The array is that of RandomNormalVariable with rows * columns variates.
+ * @par Failure
+ * As RandomNormalVariable, one message per column.
+ * @par Method
+ * As RandomNormalVariable.
+ */
 ORVANTH_API(int32_t) RandomNormalVariables(double* values, int32_t rows, int32_t columns,
                                            double mean, double sigma, int32_t seed);
 
+/**
+ * Draws an index vector: count integers from 0 to count - 1, with replacement.
+ *
+ * @param[in]  stream  a live handle; advances by one word per integer
+ * @param[out] values  count integers
+ * @param[in]  count   how many, and the exclusive upper bound; 0 draws nothing
+ * @return 0; -5 for the handle 0; -1006 for a handle that points at no live stream; -3 for a negative count or null
+ *         values.
+ * @par Failure
+ * A negative status is also told on standard output, by parameter of viRngUniform; nothing is drawn.
+ * @par Method
+ * The floor of word * (count 2^-32), without rejection: the small bias is part of the sequence.
+ */
 ORVANTH_API(int32_t) RandomUniformInteger(RandomStreamHandle stream, int32_t* values,
                                           int32_t count);
 

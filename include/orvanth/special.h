@@ -12,39 +12,241 @@
  * (errno) and which throw is fixed by name and does not follow a line: see each entry.
  */
 
+/**
+ * The gamma function on the positive half-line.
+ *
+ * @param[in] x  0 < x <= 171
+ * @return Gamma(x). +infinity at 0; NaN below 0 and above 171 (a little under the true point of overflow), and for NaN.
+ * @par Failure
+ * Silent. Outside the range errno is left alone, on purpose. A tiny positive x whose result leaves the range of
+ * doubles: +infinity, errno 34.
+ * @par Method
+ * Lanczos approximation of Boost.Math.
+ */
 ORVANTH_API(double) Gamma(double x);
 
+/**
+ * ln |Gamma(x)|; the sign is dropped.
+ *
+ * @param[in] x  any double but 0 and the negative integers
+ * @return ln |Gamma(x)|; NaN for NaN. Beyond 4.3e25 NaN: there the approximation leaves the range of doubles.
+ * @par Failure
+ * Throws std::domain_error at 0 and the negative integers: "Evaluation of lgamma at a negative integer ...".
+ * @par Method
+ * Lanczos approximation of Boost.Math, minimax forms around 1 and 2.
+ */
 ORVANTH_API(double) GammaLn(double x);
 
+/**
+ * The lower regularized incomplete gamma function P(a, x).
+ *
+ * @param[in] a  greater than 0
+ * @param[in] x  not below 0
+ * @return P(a, x), 0 at x = 0; NaN if an argument is a NaN.
+ * @par Failure
+ * Throws std::domain_error for a <= 0 or x < 0.
+ * @par Method
+ * Series, continued fraction, Temme's uniform expansion: Boost.Math.
+ */
 ORVANTH_API(double) GammaRegularized(double a, double x);
 
+/**
+ * The upper regularized incomplete gamma function Q(a, x) = 1 - P(a, x), precise where it is small.
+ *
+ * @param[in] a  greater than 0
+ * @param[in] x  not below 0
+ * @return Q(a, x), 1 at x = 0; NaN if an argument is a NaN.
+ * @par Failure
+ * Throws std::domain_error for a <= 0 or x < 0.
+ * @par Method
+ * As GammaRegularized.
+ */
 ORVANTH_API(double) GammaRegularizedC(double a, double x);
 
+/**
+ * The derivative of P(a, x) by x.
+ *
+ * @param[in] a  greater than 0
+ * @param[in] x  not below 0
+ * @return x^(a-1) exp(-x) / Gamma(a). At x = 0: 0 for a > 1, 1 for a = 1.
+ * @par Failure
+ * Throws std::domain_error for a <= 0 or x < 0; std::overflow_error, "Overflow Error", at x = 0 with a < 1 and where
+ * the result leaves the range of doubles.
+ * @par Method
+ * The prefix of the incomplete gamma function: Boost.Math.
+ */
 ORVANTH_API(double) GammaDerivative(double a, double x);
 
+/**
+ * The lower incomplete gamma function, not regularized.
+ *
+ * @param[in] a  greater than 0
+ * @param[in] x  not below 0
+ * @return the integral of t^(a-1) exp(-t) from 0 to x.
+ * @par Failure
+ * Silent. a <= 0 or x < 0: errno 33, the calculation goes on and gives NaN. A result beyond double: +infinity, errno
+ * 34. Where Gamma(a) and the upper part both leave the range: NaN, errno 34.
+ * @par Method
+ * As GammaRegularized.
+ */
 ORVANTH_API(double) IncompleteGammaLower(double a, double x);
 
+/**
+ * The upper incomplete gamma function, not regularized.
+ *
+ * @param[in] a  greater than 0
+ * @param[in] x  not below 0
+ * @return the integral of t^(a-1) exp(-t) from x to infinity.
+ * @par Failure
+ * Silent, as IncompleteGammaLower.
+ * @par Method
+ * As GammaRegularized.
+ */
 ORVANTH_API(double) IncompleteGammaUpper(double a, double x);
 
+/**
+ * The x with P(a, x) = p.
+ *
+ * @param[in] a  greater than 0
+ * @param[in] p  in [0, 1]
+ * @return x; 0 at p = 0, the largest double (not infinity, errno untouched) at p = 1.
+ * @par Failure
+ * Silent. a <= 0 or p outside [0, 1]: errno 33, the calculation goes on: 0 at p = 0, the largest double at p = 1,
+ * otherwise NaN.
+ * @par Method
+ * Didonato and Morris' estimate (ACM Trans. Math. Softw. 12 (1986) 377) and Halley's iteration: Boost.Math.
+ */
 ORVANTH_API(double) InverseGammaRegularized(double a, double p);
 
+/**
+ * The x with Q(a, x) = q.
+ *
+ * @param[in] a  greater than 0
+ * @param[in] q  in [0, 1]
+ * @return x; the largest double (not infinity, errno untouched) at q = 0, 0 at q = 1.
+ * @par Failure
+ * Silent, as InverseGammaRegularized with the ends exchanged.
+ * @par Method
+ * As InverseGammaRegularized.
+ */
 ORVANTH_API(double) InverseGammaRegularizedC(double a, double q);
 
+/**
+ * The beta function B(a, b).
+ *
+ * @param[in] a  greater than 0
+ * @param[in] b  greater than 0
+ * @return Gamma(a) Gamma(b) / Gamma(a + b); NaN if an argument is a NaN.
+ * @par Failure
+ * Throws std::domain_error for a <= 0 or b <= 0; std::overflow_error, "numeric overflow", beyond double.
+ * @par Method
+ * Lanczos approximation of Boost.Math.
+ */
 ORVANTH_API(double) Beta(double a, double b);
 
+/**
+ * The regularized incomplete beta function I_x(a, b).
+ *
+ * @param[in] a  not below 0; 0 only with b > 0, the answer is then 1
+ * @param[in] b  not below 0; 0 only with a > 0, the answer is then 0
+ * @param[in] x  in [0, 1]
+ * @return I_x(a, b); NaN if an argument is a NaN.
+ * @par Failure
+ * Throws std::domain_error: x outside [0, 1], a < 0, b < 0, a = b = 0, in this order.
+ * @par Method
+ * Series, continued fraction, asymptotic forms (Didonato and Morris, ACM Trans. Math. Softw. 18 (1992) 360):
+ * Boost.Math.
+ */
 ORVANTH_API(double) BetaRegularized(double a, double b, double x);
 
+/**
+ * The complement 1 - I_x(a, b), precise where it is small.
+ *
+ * @param[in] a  not below 0; 0 only with b > 0, the answer is then 0
+ * @param[in] b  not below 0; 0 only with a > 0, the answer is then 1
+ * @param[in] x  in [0, 1]
+ * @return 1 - I_x(a, b); NaN if an argument is a NaN.
+ * @par Failure
+ * As BetaRegularized.
+ * @par Method
+ * As BetaRegularized.
+ */
 ORVANTH_API(double) BetaRegularizedC(double a, double b, double x);
 
+/**
+ * The derivative of I_x(a, b) by x: the density of the beta distribution.
+ *
+ * @param[in] a  greater than 0
+ * @param[in] b  greater than 0
+ * @param[in] x  in [0, 1]
+ * @return x^(a-1) (1-x)^(b-1) / B(a, b). At x = 0: 0 for a > 1, b for a = 1, +infinity with errno 34 for a < 1; at
+ *         x = 1 the same with b.
+ * @par Failure
+ * Silent. a <= 0, b <= 0 or x outside [0, 1]: errno 33 and the calculation goes on, commonly to NaN, or to +infinity
+ * with errno 34.
+ * @par Method
+ * The power terms of the incomplete beta function: Boost.Math.
+ */
 ORVANTH_API(double) BetaDerivative(double a, double b, double x);
 
+/**
+ * The x with I_x(a, b) = p.
+ *
+ * @param[in] a  greater than 0
+ * @param[in] b  greater than 0
+ * @param[in] p  in [0, 1]
+ * @return x; 0 at p = 0, 1 at p = 1, p itself for a = b = 1; NaN if an argument is a NaN.
+ * @par Failure
+ * Silent. a <= 0, b <= 0 or p outside [0, 1]: NaN, errno 33, nothing is computed.
+ * @par Method
+ * N. Temme's estimates (J. Comp. Appl. Math. 41 (1992) 145) and Halley's iteration: Boost.Math.
+ */
 ORVANTH_API(double) InverseBetaRegularized(double a, double b, double p);
 
+/**
+ * The x with I_x(a, b) = p, and 1 - x with its own digits.
+ *
+ * @param[in]  a           greater than 0
+ * @param[in]  b           greater than 0
+ * @param[in]  p           in [0, 1]
+ * @param[out] result      x; must be valid
+ * @param[out] complement  1 - x, precise where x is near 1; may be null
+ * @par Failure
+ * Silent. a <= 0, b <= 0 or p outside [0, 1]: NaN through `result`, errno 33, and `complement` keeps what it held.
+ * @par Method
+ * As InverseBetaRegularized.
+ */
 ORVANTH_API(void) InverseBetaRegularized2(double a, double b, double p, double* result,
                                           double* complement);
 
+/**
+ * The x with 1 - I_x(a, b) = q.
+ *
+ * @param[in] a  greater than 0
+ * @param[in] b  greater than 0
+ * @param[in] q  in [0, 1]
+ * @return x; 1 at q = 0, 0 at q = 1.
+ * @par Failure
+ * Silent, and unlike InverseBetaRegularized on purpose: a <= 0, b <= 0 or q outside [0, 1]: errno 33, and the
+ * calculation goes on to NaN.
+ * @par Method
+ * As InverseBetaRegularized.
+ */
 ORVANTH_API(double) InverseBetaRegularizedC(double a, double b, double q);
 
+/**
+ * The x with 1 - I_x(a, b) = q, and 1 - x with its own digits.
+ *
+ * @param[in]  a           greater than 0
+ * @param[in]  b           greater than 0
+ * @param[in]  q           in [0, 1]
+ * @param[out] result      x; must be valid
+ * @param[out] complement  1 - x, precise where x is near 1; may be null
+ * @par Failure
+ * Silent, as InverseBetaRegularizedC; a NaN goes through both pointers.
+ * @par Method
+ * As InverseBetaRegularized.
+ */
 ORVANTH_API(void) InverseBetaRegularizedC2(double a, double b, double q, double* result,
                                            double* complement);
 

@@ -1,0 +1,39 @@
+#include "distributions/checks.hpp"
+#include "frame/flags.hpp"
+#include "frame/policies.hpp"
+#include "orvanth/distributions.h"
+#include "special/gamma.hpp"
+
+using namespace orvanth;
+
+namespace {
+
+constexpr const char* kFunction = "boost::math::gamma_distribution<%1%>::gamma_distribution";
+
+bool HasValidParameters(double shape, double scale) {
+    const bool first = CheckPositive(kFunction, "Scale parameter is %1%, but must be > 0 !", scale);
+    const bool second = CheckPositive(kFunction, "Shape parameter is %1%, but must be > 0 !", shape);
+    return first && second;
+}
+
+}  // namespace
+
+ORVANTH_API(double) GammaPDF(double x, double shape, double scale) {
+    SilentCall silent;
+    if (!HasValidParameters(shape, scale) || !CheckNonNegativeVariate(kFunction, x)) return kNaN;
+    if (x == 0) return 0;  // required, for every shape
+    return GammaDensity(shape, x / scale) / scale;
+}
+
+ORVANTH_API(double) GammaCDF(double x, double shape, double scale, TailFlag tail) {
+    SilentCall silent;
+    if (!HasValidParameters(shape, scale) || !CheckNonNegativeVariate(kFunction, x)) return kNaN;
+    return IsSet(tail) ? RegularizedGammaQ(shape, x / scale) : RegularizedGammaP(shape, x / scale);
+}
+
+ORVANTH_API(double) GammaICDF(double p, double shape, double scale, TailFlag tail) {
+    SilentCall silent;
+    if (!HasValidParameters(shape, scale) || !CheckProbability(kFunction, p)) return kNaN;
+    if (p == (IsSet(tail) ? 0 : 1)) return RaiseOverflow(kFunction);
+    return (IsSet(tail) ? InverseGammaQ(shape, p) : InverseGammaP(shape, p)) * scale;
+}

@@ -1,0 +1,153 @@
+#include <array>
+#include <cmath>
+
+#include <boost/math/special_functions/factorials.hpp>
+
+#include "distributions/hypergeometric_kernel.hpp"
+#include "frame/policies.hpp"
+
+namespace orvanth {
+
+namespace {
+
+constexpr std::size_t kPrimeCount = 10000;
+
+constexpr std::array<std::int32_t, kPrimeCount> Sieve() {
+    std::array<bool, kLargestPrimePopulation + 1> composite{};
+    std::array<std::int32_t, kPrimeCount> primes{};
+    std::size_t count = 0;
+    for (std::int64_t i = 2; i <= kLargestPrimePopulation; ++i) {
+        if (composite[static_cast<std::size_t>(i)]) continue;
+        primes[count++] = static_cast<std::int32_t>(i);
+        for (std::int64_t j = i * i; j <= kLargestPrimePopulation; j += i)
+            composite[static_cast<std::size_t>(j)] = true;
+    }
+    return primes;
+}
+
+constexpr std::array<std::int32_t, kPrimeCount> kPrimes = Sieve();
+static_assert(kPrimes[0] == 2 && kPrimes[kPrimeCount - 1] == kLargestPrimePopulation);
+
+// A product of whole numbers that neither overflows nor gathers rounding errors: twice the digits
+// of a double, and a power of two apart.
+class LongProduct {
+public:
+    // factor is at most 2^53.
+    void Multiply(double factor) {
+        const double product = high_ * factor;
+        low_ = low_ * factor + std::fma(high_, factor, -product);
+        high_ = product;
+        if (high_ > kTooLarge) {
+            high_ *= 1 / kTooLarge;
+            low_ *= 1 / kTooLarge;
+            exponent_ += kStep;
+        }
+    }
+
+    // high + low divided by other's high + low.
+    double Over(const LongProduct& other) const {
+        const double quotient = high_ / other.high_;
+        const double remainder = std::fma(-quotient, other.high_, high_) + low_ - quotient * other.low_;
+        return std::ldexp(quotient + remainder / other.high_, exponent_ - other.exponent_);
+    }
+
+private:
+    static constexpr int kStep = 256;
+    static constexpr double kTooLarge = 0x1p256;
+    double high_ = 1;
+    double low_ = 0;
+    int exponent_ = 0;
+};
+
+// Factors gathered in an exact double before they go into the long product.
+class FactorList {
+public:
+    void Add(double factor) {
+        if (pending_ * factor > kLargestExact) {
+            product_.Multiply(pending_);
+            pending_ = 1;
+        }
+        pending_ *= factor;
+    }
+    const LongProduct& Finish() {
+        product_.Multiply(pending_);
+        pending_ = 1;
+        return product_;
+    }
+
+private:
+    static constexpr double kLargestExact = 0x1p53;
+    LongProduct product_;
+    double pending_ = 1;
+};
+
+// The power of a prime in r! n! (N-r)! (N-n)! / (N! x! (n-x)! (r-x)! (N-n-r+x)!).
+class PrimePower {
+public:
+    PrimePower(std::int64_t x, const HypergeometricCounts& c)
+        : above_{Count(c.n), Count(c.r), Count(c.N - c.n), Count(c.N - c.r)},
+          below_{Count(c.N), Count(x), Count(c.n - x), Count(c.r - x), Count(c.N - c.n - c.r + x)} {}
+
+    // The part of it that the multiples of `base`, a power of the prime, contribute.
+    int Of(double base) const {
+        const double inverse = 1 / base;
+        int power = 0;
+        for (const double count : above_) power += static_cast<int>(count * inverse);
+        for (const double count : below_) power -= static_cast<int>(count * inverse);
+        return power;
+    }
+
+private:
+    // The half keeps the product with a rounded inverse off the whole numbers, so cutting it off
+    // gives the whole quotient for every count of this size.
+    static double Count(std::int64_t count) { return static_cast<double>(count) + 0.5; }
+
+    std::array<double, 4> above_;
+    std::array<double, 5> below_;
+};
+
+}  // namespace
+
+double ProbabilityByFactorials(std::int64_t x, const HypergeometricCounts& c) {
+    const auto factorial = [](std::int64_t k) {
+        return boost::math::unchecked_factorial<double>(static_cast<unsigned>(k));
+    };
+    const std::array<double, 4> above = {factorial(c.n), factorial(c.r), factorial(c.N - c.n), factorial(c.N - c.r)};
+    const std::array<double, 5> below = {factorial(c.N), factorial(x), factorial(c.n - x), factorial(c.r - x),
+                                         factorial(c.N - c.n - c.r + x)};
+    // Multiplied while small and divided while large, so that the way there stays in range.
+    double result = above[0];
+    std::size_t i = 1;
+    std::size_t j = 0;
+    while (i < above.size() || j < below.size()) {
+        while (j < below.size() && (result >= 1 || i >= above.size())) result /= below[j++];
+        while (i < above.size() && (result <= 1 || j >= below.size())) result *= above[i++];
+    }
+    return result;
+}
+
+double ProbabilityByPrimes(std::int64_t x, const HypergeometricCounts& c) {
+    const PrimePower part(x, c);
+    FactorList above;
+    FactorList below;
+    for (const std::int32_t prime : kPrimes) {
+        if (prime > c.N) break;
+        int power = 0;
+        for (std::int64_t base = prime; base <= c.N; base *= prime) power += part.Of(static_cast<double>(base));
+        for (; power > 0; --power) above.Add(prime);
+        for (; power < 0; ++power) below.Add(prime);
+    }
+    return above.Finish().Over(below.Finish());
+}
+
+double HypergeometricProbability(std::int64_t x, const HypergeometricCounts& c) {
+    if (x < c.Lowest() || x > c.Highest()) return 0;
+    const double result = c.N <= kLargestFactorialPopulation ? ProbabilityByFactorials(x, c)
+                          : c.N <= kLargestPrimePopulation   ? ProbabilityByPrimes(x, c)
+                                                             : ProbabilityByLanczos(x, c);
+    if (result > 1) return 1;
+    if (result < 0) return 0;
+    return Narrow(result, "boost::math::hypergeometric_pdf<%1%>(%1%,%1%,%1%,%1%)");
+}
+
+}  // namespace orvanth

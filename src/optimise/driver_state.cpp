@@ -1,0 +1,39 @@
+#include "optimise/driver_state.hpp"
+
+#include <algorithm>
+#include <limits>
+
+// gfortran appends the lengths of the character arguments.
+extern "C" void setulb_(const std::int32_t* n, const std::int32_t* m, double* x, const double* l, const double* u,
+                        const std::int32_t* nbd, double* f, double* g, const double* factr, const double* pgtol,
+                        double* wa, std::int32_t* iwa, char* task, const std::int32_t* iprint, char* csave,
+                        std::int32_t* lsave, std::int32_t* isave, double* dsave, std::size_t taskLength,
+                        std::size_t csaveLength);
+
+namespace orvanth {
+
+std::int64_t WorkspaceLength(std::int32_t n, std::int32_t m) {
+    if (n <= 0 || m <= 0) return 0;
+    constexpr std::int64_t kLongest = std::numeric_limits<std::int32_t>::max();
+    const std::int64_t pairs = m;
+    const std::int64_t perPair = 11 * pairs + 8 + 2 * std::int64_t{n};
+    if (perPair > kLongest / pairs) return -1;
+    const std::int64_t length = perPair * pairs + 5 * std::int64_t{n};
+    return length <= kLongest ? length : -1;
+}
+
+bool TaskHasPrefix(const LBFGSBDriverState& state, std::string_view text) {
+    return std::string_view(state.task, kTaskLength).starts_with(text);
+}
+
+void SetTask(LBFGSBDriverState& state, std::string_view text) {
+    std::fill_n(std::copy(text.begin(), text.end(), state.task), kTaskLength - static_cast<int>(text.size()), ' ');
+}
+
+void Advance(LBFGSBDriverState& state) {
+    setulb_(&state.n, &state.m, state.x.get(), state.l.get(), state.u.get(), state.nbd.get(), &state.f, state.g.get(),
+            &state.factr, &state.pgtol, state.wa.get(), state.iwa.get(), state.task, &state.iprint, state.csave,
+            state.lsave, state.isave, state.dsave, kTaskLength, kTaskLength);
+}
+
+}  // namespace orvanth

@@ -1,0 +1,240 @@
+// The two exports: regions, edges, failures, properties.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+#include <map>
+#include <random>
+#include <string>
+
+#include "frame/policies.hpp"
+#include "kolmogorov/durbin_matrix.hpp"
+#include "kolmogorov/kolmogorov.hpp"
+#include "kolmogorov/pelz_good.hpp"
+#include "kolmogorov/pomeranz.hpp"
+#include "kolmogorov/tails.hpp"
+#include "orvanth/kolmogorov.h"
+#include "support/call.hpp"
+#include "support/table.hpp"
+
+namespace {
+
+using namespace orvanth;
+using namespace orvanth::kolmogorov;
+using orvanth::test::CallWithErrno;
+using orvanth::test::ThrownText;
+
+constexpr unsigned kSeed = 20240120;
+constexpr const char* kUnbracketed =
+    "Error in function boost::math::tools::bracket_and_solve_root<double>: "
+    "Unable to bracket root, last nearest value was ";
+
+double At(std::int32_t n, double w) { return std::sqrt(w / n); }
+
+TEST(KolmogorovCDF, NegativeXIsAnsweredForAnyN) {
+    for (double n : {10.0, -3.0, 0.0, 1e300, kNaN}) {
+        EXPECT_EQ(KolmogorovCDF(-0.5, n, 0), 0.0);
+        EXPECT_EQ(KolmogorovCDF(-0.5, n, 1), 1.0);
+    }
+}
+
+TEST(KolmogorovCDF, ZeroIsAnsweredByTheClosedForms) {
+    for (double n : {1.0, 10.0, 1000.0, 1e6}) {
+        EXPECT_EQ(KolmogorovCDF(0, n, 0), 0.0);
+        EXPECT_EQ(KolmogorovCDF(-0.0, n, 1), 1.0);
+    }
+}
+
+TEST(KolmogorovCDF, OneObservation) {
+    EXPECT_EQ(KolmogorovCDF(0.5, 1, 0), 0.0);
+    EXPECT_EQ(KolmogorovCDF(0.75, 1, 0), 0.5);
+    EXPECT_EQ(KolmogorovCDF(1, 1, 0), 1.0);
+    EXPECT_EQ(KolmogorovCDF(0.5, 1, 1), 1.0);
+    EXPECT_EQ(KolmogorovCDF(0.75, 1, 1), 0.5);
+    EXPECT_EQ(KolmogorovCDF(1, 1, 1), 0.0);
+    EXPECT_EQ(KolmogorovCDF(0.5, 2, 0), 0.5);
+}
+
+TEST(KolmogorovCDF, WorkedValues) {
+    EXPECT_NEAR(KolmogorovCDF(0.2, 10, 0), 0.25128096, 5e-9);
+    EXPECT_NEAR(KolmogorovCDF(0.3, 10, 0), 0.7294644252, 5e-11);
+    EXPECT_NEAR(KolmogorovCDF(0.1, 141, 0), 0.88871554, 5e-9);
+    EXPECT_NEAR(KolmogorovCDF(0.21, 100, 1), 0.00023947345, 5e-12);
+    EXPECT_NEAR(KolmogorovCDF(0.05, 1000, 1), 0.013012075, 5e-10);
+}
+
+TEST(KolmogorovCDF, NIsTruncatedAndTheComplementIsAWholeWord) {
+    EXPECT_EQ(KolmogorovCDF(0.3, 7.9, 0), KolmogorovCDF(0.3, 7, 0));
+    EXPECT_EQ(KolmogorovCDF(0.3, 10.9, 0x100), KolmogorovCDF(0.3, 10, 1));
+}
+
+TEST(KolmogorovCDF, RegionsAreDividedAsStated) {
+    EXPECT_EQ(KolmogorovCumulative(100, At(100, 0.754)), DurbinMatrix(100, At(100, 0.754)));
+    EXPECT_EQ(KolmogorovCumulative(100, At(100, 0.7547)), Pomeranz(100, At(100, 0.7547)));
+    EXPECT_EQ(KolmogorovCumulative(100, 0.2), 1.0 - 2.0 * SmirnovUpperTail(100, 0.2)) << "w = 4.0 belongs above";
+    EXPECT_EQ(KolmogorovCumulative(100, 0.1999), Pomeranz(100, 0.1999));
+    EXPECT_EQ(KolmogorovCumulative(141, 0.02), DurbinMatrix(141, 0.02));
+    EXPECT_EQ(KolmogorovCumulative(141, 0.1), PelzGood(141, 0.1));
+    EXPECT_EQ(KolmogorovComplement(141, At(141, 2.21)), 2.0 * SmirnovUpperTail(141, At(141, 2.21)));
+    EXPECT_EQ(KolmogorovComplement(141, At(141, 2.19)), 1.0 - PelzGood(141, At(141, 2.19)));
+    EXPECT_EQ(KolmogorovComplement(140, At(140, 2.21)), 1.0 - Pomeranz(140, At(140, 2.21)));
+    // n^2 x^3 <= 2 up to n = 100000.
+    const double x = std::cbrt(1.99 / 1e10);
+    EXPECT_EQ(KolmogorovCumulative(100000, x), DurbinMatrix(100000, x));
+    EXPECT_EQ(KolmogorovCumulative(100001, x), PelzGood(100001, x));
+}
+
+TEST(KolmogorovCDF, TailsAddToOneWhereOneIsFormedFromTheOther) {
+    std::mt19937_64 random(kSeed);
+    std::uniform_real_distribution<double> exponent(0.1, 6), strength(0.03, 17);
+    for (int i = 0; i < 2000; ++i) {
+        const double n = std::floor(std::pow(10, exponent(random))), x = std::sqrt(strength(random) / n);
+        const double lower = KolmogorovCDF(x, n, 0), upper = KolmogorovCDF(x, n, 1);
+        const bool unrelated = n > 140 && n * x * x >= 2.2;
+        EXPECT_NEAR(lower + upper, 1, unrelated ? 2e-5 : 3e-16) << "seed " << kSeed << " n " << n << " x " << x;
+    }
+}
+
+TEST(KolmogorovCDF, RisesWithX) {
+    for (double n : {2.0, 10.0, 100.0, 140.0, 1000.0, 100000.0}) {
+        double before = 0;
+        for (int i = 1; i < 400; ++i) {
+            const double p = KolmogorovCDF(std::sqrt(i * 0.01 / n), n, 0);
+            EXPECT_GE(p, before - 1e-7) << n << " " << i;  // a step of that size stands where regions meet
+            before = p;
+        }
+    }
+}
+
+TEST(KolmogorovCDF, SenselessInputGivesNaNAndReturnsAtOnce) {
+    for (double n : {-1.0, -1e300, 2147483648.0, 1e300, std::numeric_limits<double>::infinity(), kNaN})
+        for (std::int32_t complement : {0, 1}) {
+            EXPECT_TRUE(std::isnan(KolmogorovCDF(0.1, n, complement))) << n;
+            EXPECT_EQ(CallWithErrno(7, [=] { return KolmogorovCDF(0.1, n, complement); }).errnoAfter, 7);
+        }
+    EXPECT_TRUE(std::isnan(KolmogorovCDF(kNaN, 10, 0)));
+    EXPECT_EQ(KolmogorovCDF(std::numeric_limits<double>::infinity(), 10, 0), 1.0);
+    for (double n : {0.0, 0.5, -0.5}) {
+        const double p = KolmogorovCDF(0.1, n, 0);
+        EXPECT_TRUE(p == 0.0 || p == 1.0) << n;
+    }
+    EXPECT_NEAR(KolmogorovCDF(3e-5, 2147483647.0, 0), 0.95, 0.06);
+}
+
+TEST(KolmogorovCDF, UnderflowOfTheRuntimeDoesNotReachErrno) {
+    EXPECT_EQ(CallWithErrno(0, [] { return KolmogorovCDF(0.6, 1000, 1); }).errnoAfter, 0);
+    EXPECT_EQ(CallWithErrno(0, [] { return KolmogorovCDF(0.0006, 1000, 0); }).errnoAfter, 0);
+}
+
+TEST(KolmogorovICDF, BothTailsGiveTheSamePoint) {
+    EXPECT_NEAR(KolmogorovICDF(0.95, 100, 0), 0.13403, 5e-6);
+    EXPECT_NEAR(KolmogorovICDF(0.05, 100, 1), 0.13403, 5e-6);
+}
+
+TEST(KolmogorovICDF, InvertsTheDistribution) {
+    std::mt19937_64 random(kSeed);
+    std::uniform_real_distribution<double> exponent(0.4, 5), probability(0.001, 0.999);
+    for (int i = 0; i < 200; ++i) {
+        const double n = std::floor(std::pow(10, exponent(random))), p = probability(random);
+        const double x = KolmogorovICDF(p, n, 0);
+        EXPECT_LE(KolmogorovCDF(x * (1 - 2e-7), n, 0), p + 1e-9) << "seed " << kSeed << " n " << n << " p " << p;
+        EXPECT_GE(KolmogorovCDF(x * (1 + 2e-7), n, 0), p - 1e-9) << "seed " << kSeed << " n " << n << " p " << p;
+    }
+}
+
+TEST(KolmogorovICDF, ZeroAndOneArePointsOfTheWalk) {
+    const double start = 1.36 / std::sqrt(25.0);
+    const auto isPointOfWalk = [&](double x) {
+        const double steps = std::log2(x / start);
+        return steps == std::round(steps);
+    };
+    const double low = KolmogorovICDF(0, 25, 0), high = KolmogorovICDF(1, 25, 0);
+    EXPECT_TRUE(isPointOfWalk(low));
+    EXPECT_TRUE(isPointOfWalk(high));
+    EXPECT_EQ(KolmogorovCDF(low, 25, 0), 0.0);
+    EXPECT_GT(KolmogorovCDF(2 * low, 25, 0), 0.0);
+    EXPECT_EQ(KolmogorovCDF(high, 25, 0), 1.0);
+    EXPECT_LT(KolmogorovCDF(high / 2, 25, 0), 1.0);
+}
+
+TEST(KolmogorovICDF, TheStartUsesNAndTheEvaluationsItsWholePart) {
+    EXPECT_NE(KolmogorovICDF(0, 7.9, 0), KolmogorovICDF(0, 7, 0));
+    EXPECT_NEAR(KolmogorovICDF(0.5, 7.9, 0) / KolmogorovICDF(0.5, 7, 0), 1, 3e-7);
+}
+
+TEST(KolmogorovICDF, AProbabilityThatNoXReachesThrows) {
+    for (double p : {-0.1, 1.5, kNaN, kInfinity, -kInfinity})
+        for (std::int32_t complement : {0, 1}) {
+            errno = 7;
+            EXPECT_EQ(ThrownText<boost::math::evaluation_error>([=] {
+                          KolmogorovICDF(p, 20, complement);
+                      }).find(kUnbracketed),
+                      0u)
+                << p;
+            EXPECT_EQ(errno, 7);
+        }
+}
+
+TEST(KolmogorovICDF, ASenselessSampleSizeThrowsAndReturnsAtOnce) {
+    for (double n : {-5.0, -0.5, kNaN, kInfinity, 1e300})
+        EXPECT_EQ(ThrownText<boost::math::evaluation_error>([=] { KolmogorovICDF(0.5, n, 0); }).find(kUnbracketed),
+                  0u)
+            << n;
+}
+
+TEST(Published, PercentagePointsWhereThePrintedFigureIsRight) {
+    int compared = 0;
+    for (const auto& row : orvanth::test::ReadTable("published/kolmogorov_percentage_points.tsv")) {
+        const double n = std::stod(row[0]), alpha = std::stod(row[1]);
+        EXPECT_NEAR(KolmogorovICDF(alpha, n, 1), std::stod(row[4]), 2e-7) << n << " " << alpha;
+        if (row[5] == "yes") {
+            EXPECT_NEAR(KolmogorovICDF(alpha, n, 1), std::stod(row[2]), 5.2e-6) << n << " " << alpha;
+        }
+        ++compared;
+    }
+    EXPECT_EQ(compared, 100);
+}
+
+std::string Region(double n, double x) {
+    if (KolmogorovCumulativeSpecial(static_cast<std::int32_t>(n), x) >= 0) return "closed form";
+    const double w = n * x * x;
+    if (n <= 140) return w < 0.754693 ? "matrix, n <= 140" : w < 4 ? "recursion" : "one-sided tail, n <= 140";
+    if (w * x * n <= 2.0 && n <= 100000) return "matrix, n > 140";
+    return w < 2.2 ? "series, w < 2.2" : "series and one-sided tail";
+}
+
+struct Errors {
+    int rows = 0;
+    double lower = 0, upper = 0;
+};
+
+// The record of docs/accuracy/kolmogorov.md.
+const std::map<std::string, Errors> kRecorded = {
+    {"closed form", {0, 2e-14, 3e-12}},     {"matrix, n <= 140", {0, 4e-15, 4e-15}},
+    {"recursion", {0, 2e-13, 2e-10}},       {"one-sided tail, n <= 140", {0, 6e-15, 1e-11}},
+    {"matrix, n > 140", {0, 2e-14, 1e-15}}, {"series, w < 2.2", {0, 3.5e-5, 2e-5}},
+    {"series and one-sided tail", {0, 6e-7, 2e-6}}};
+
+TEST(Published, ExactValuesAndTheErrorOfEachRegion) {
+    std::map<std::string, Errors> worst;
+    for (const auto& row : orvanth::test::ReadTable("published/kolmogorov_exact.tsv")) {
+        const double n = std::stod(row[0]), x = std::stod(row[1]), lower = std::stod(row[2]),
+                     upper = std::stod(row[3]);
+        Errors& errors = worst[Region(n, x)];
+        ++errors.rows;
+        if (lower > 0) errors.lower = std::max(errors.lower, std::fabs(KolmogorovCDF(x, n, 0) / lower - 1));
+        if (upper > 0) errors.upper = std::max(errors.upper, std::fabs(KolmogorovCDF(x, n, 1) / upper - 1));
+    }
+    std::printf("  | region | points | worst relative error of P(D <= x) | of P(D > x) |\n  |---|---|---|---|\n");
+    for (const auto& [region, errors] : worst) {
+        std::printf("  | %s | %d | %.1e | %.1e |\n", region.c_str(), errors.rows, errors.lower, errors.upper);
+        const auto recorded = kRecorded.find(region);
+        ASSERT_NE(recorded, kRecorded.end()) << region;
+        EXPECT_LE(errors.lower, recorded->second.lower) << region;
+        EXPECT_LE(errors.upper, recorded->second.upper) << region;
+    }
+}
+
+}  // namespace
