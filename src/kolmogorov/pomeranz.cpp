@@ -17,27 +17,50 @@ namespace {
 constexpr std::int32_t kScaleBits = 350;
 constexpr double kStepTolerance = 1e-15;
 
+// Lanes of a block of the convolution, kept in registers; rows of steps have as many zeros before
+// and after them.
+constexpr std::int32_t kLanes = 16;
+
 // next[j] for j = jlow..jup: the sum of before[k] * step[j - k] over k from min(kup, j) down to klow,
-// in that order. One k at a time over all j, so each element still sees its k in falling order.
+// in that order from 0.0. All lanes of a block take every k: where k > j the step is a zero, and the
+// sum stays 0.0.
 ORVANTH_VECTOR_CLONES
 void Convolve(const double* before, const double* step, double* next, std::int32_t jlow, std::int32_t jup,
               std::int32_t klow, std::int32_t kup) {
-    for (std::int32_t j = jlow; j <= jup; ++j) next[j] = 0.0;
-    for (std::int32_t k = std::min(kup, jup); k >= klow; --k) {
-        const double factor = before[k];
-        const double* const shifted = step - k;
-        for (std::int32_t j = std::max(k, jlow); j <= jup; ++j) next[j] += factor * shifted[j];
+    for (std::int32_t first = jlow; first <= jup; first += kLanes) {
+        double sums[kLanes] = {};
+        for (std::int32_t k = std::min(kup, std::min(jup, first + kLanes - 1)); k >= klow; --k) {
+            const double factor = before[k];
+            const double* const shifted = step + (first - k);
+            for (std::int32_t lane = 0; lane < kLanes; ++lane) sums[lane] += factor * shifted[lane];
+        }
+        const std::int32_t lanes = std::min(kLanes, jup - first + 1);
+        for (std::int32_t lane = 0; lane < lanes; ++lane) next[first + lane] = sums[lane];
     }
 }
 
 // The steps between neighbouring boundary points have three lengths, or none: row r holds q^j / j!.
-void FillSteps(std::vector<double>& steps, std::size_t width, std::int32_t n, double a2) {
-    const double lengths[3] = {(2.0 * a2) / n, (1.0 - 2.0 * a2) / n, a2 / n};
-    for (std::size_t r = 0; r < 4; ++r) steps[r * width] = 1.0;
-    for (std::size_t r = 0; r < 3; ++r)
-        for (std::size_t j = 1; j < width; ++j)
-            steps[r * width + j] = (steps[r * width + j - 1] * lengths[r]) / static_cast<double>(j);
-}
+class Steps {
+public:
+    Steps(std::int32_t n, double a2) : stride_(static_cast<std::size_t>(n) + 2 + 2 * kLanes), values_(4 * stride_) {
+        const double lengths[3] = {(2.0 * a2) / n, (1.0 - 2.0 * a2) / n, a2 / n};
+        for (std::size_t r = 0; r < 4; ++r) Row(r)[0] = 1.0;
+        for (std::size_t r = 0; r < 3; ++r)
+            for (std::int32_t j = 1; j <= n + 1; ++j) Row(r)[j] = (Row(r)[j - 1] * lengths[r]) / j;
+    }
+    double* Row(std::size_t r) { return values_.data() + r * stride_ + kLanes; }
+
+    // The row whose first power is the length w.
+    const double* RowOfLength(double w) {
+        std::size_t r = 0;
+        while (r < 3 && !(std::fabs(w - Row(r)[1]) <= kStepTolerance)) ++r;
+        return Row(r);
+    }
+
+private:
+    std::size_t stride_;
+    std::vector<double> values_;
+};
 
 }  // namespace
 
@@ -73,10 +96,9 @@ double Pomeranz(std::int32_t n, double x) {
     const double t = n * x;
     const std::size_t points = 2 * static_cast<std::size_t>(n) + 3;
     const std::size_t width = static_cast<std::size_t>(n) + 2;
-    // One block: A, Atflo, Atcei, two rows of V, four rows of steps.
-    std::vector<double> A(points), Atflo(points), Atcei(points), V(2 * width), steps(4 * width);
+    std::vector<double> A(points), Atflo(points), Atcei(points), V(2 * width);
     CalcFloorCeil(n, t, A.data(), Atflo.data(), Atcei.data());
-    FillSteps(steps, width, n, A[2]);
+    Steps steps(n, A[2]);
 
     double* before = V.data() + width;
     double* next = V.data();
@@ -90,10 +112,8 @@ double Pomeranz(std::int32_t n, double x) {
         const std::int32_t klow = std::max(static_cast<std::int32_t>(2.0 + Atflo[i - 1]), 1);
         const std::int32_t kup = static_cast<std::int32_t>(Atcei[i - 1]);
         const double w = (A[i] - A[i - 1]) / n;
-        std::size_t row = 0;
-        while (row < 3 && !(std::fabs(w - steps[row * width + 1]) <= kStepTolerance)) ++row;
         std::swap(before, next);
-        Convolve(before, steps.data() + row * width, next, jlow, jup, klow, kup);
+        Convolve(before, steps.RowOfLength(w), next, jlow, jup, klow, kup);
         double smallest = scale;
         for (std::int32_t j = jlow; j <= jup; ++j) smallest = std::min(smallest, next[j]);
         if (smallest < 1e-280) {
