@@ -211,11 +211,13 @@ struct Errors {
 };
 
 // The record of docs/accuracy/kolmogorov.md.
-const std::map<std::string, Errors> kRecorded = {
-    {"closed form", {0, 2e-14, 3e-12}},     {"matrix, n <= 140", {0, 4e-15, 4e-15}},
-    {"recursion", {0, 2e-13, 2e-10}},       {"one-sided tail, n <= 140", {0, 6e-15, 1e-11}},
-    {"matrix, n > 140", {0, 2e-14, 1e-15}}, {"series, w < 2.2", {0, 3.5e-5, 2e-5}},
-    {"series and one-sided tail", {0, 6e-7, 2e-6}}};
+const std::map<std::string, Errors> kRecorded = {{"closed form", {0, 2e-14, 3e-12}},
+                                                 {"matrix, n <= 140", {0, 4e-15, 4e-15}},
+                                                 {"recursion", {0, 2e-13, 2e-10}},
+                                                 {"one-sided tail, n <= 140", {0, 6e-15, 1e-11}},
+                                                 {"matrix, n > 140", {0, 2e-14, 1e-15}},
+                                                 {"series, w < 2.2", {0, 3.5e-5, 2e-5}},
+                                                 {"series and one-sided tail", {0, 6e-7, 2e-6}}};
 
 TEST(Published, ExactValuesAndTheErrorOfEachRegion) {
     std::map<std::string, Errors> worst;
