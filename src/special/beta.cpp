@@ -6,6 +6,7 @@
 
 #include "frame/policies.hpp"
 #include "orvanth/special.h"
+#include "special/inverse_beta_limits.hpp"
 
 namespace orvanth {
 
@@ -158,6 +159,7 @@ double InverseBetaC(double a, double b, double q, double* complement) {
     const bool accepted = IsPositive(a) && IsPositive(b) && q >= 0 && q <= 1;
     return Invert(
         [&](double* y) {
+            if (accepted && q > 0 && q < 1 && IsBetaLimit(a, b)) return InverseBetaLimit(a, b, 1 - q, q, y);
             if (accepted) return boost::math::ibetac_inv(a, b, q, y, DefaultPolicy());
             *y = kNaN;
             return kNaN;
