@@ -14,6 +14,8 @@ namespace {
 
 constexpr const char* kFunction = "boost::math::students_t_distribution<%1%>::students_t_distribution";
 
+constexpr double kTinyDf = 1e-300;
+
 double Cumulative(double x, double df) {
     if (x == 0) return 0.5;
     const double t2 = x * x;
@@ -27,6 +29,8 @@ double Quantile(double p, double df) {
     if (p == 1) return RaiseOverflow(kFunction);
     if (p == 0.5) return 0;
     if (!CheckProbability(kFunction, p)) return kNaN;
+    // Half of the probability lies beyond every double.
+    if (df < kTinyDf) return p < 0.5 ? -RaiseOverflow(kFunction) : RaiseOverflow(kFunction);
     return boost::math::quantile(boost::math::students_t_distribution<double, BoundaryPolicy>(df), p);
 }
 

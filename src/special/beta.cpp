@@ -6,7 +6,7 @@
 
 #include "frame/policies.hpp"
 #include "orvanth/special.h"
-#include "special/inverse_beta_limits.hpp"
+#include "special/beta_limits.hpp"
 
 namespace orvanth {
 
@@ -42,6 +42,7 @@ double Regularized(double a, double b, double x, bool complement) {
         return complement ? 1 : 0;
     }
     if (std::isnan(a) || std::isnan(b) || std::isnan(x)) return kNaN;
+    if (x > 0 && x < 1 && IsForwardLimit(a, b)) return RegularizedBetaLimit(a, b, x, complement);
     return complement ? Narrow(boost::math::ibetac(a, b, x, DefaultPolicy()), "boost::math::ibetac<%1%>(%1%,%1%,%1%)")
                       : Narrow(boost::math::ibeta(a, b, x, DefaultPolicy()), "boost::math::ibeta<%1%>(%1%,%1%,%1%)");
 }
@@ -72,13 +73,6 @@ double DensityInside(const char* function, double a, double b, double x) {
 }
 
 bool IsPositive(double a) { return a > 0; }  // false for a NaN
-
-// The search cannot start from a denormal probability where a parameter is large. There the result
-// does not tell it from the smallest normal one.
-double Searchable(double p, double a, double b) {
-    constexpr double smallest = std::numeric_limits<double>::min();
-    return p > 0 && p < smallest && std::fmax(a, b) > 100 ? smallest : p;
-}
 
 // Both inverses: the complement as the search carries it, which keeps its digits near x = 1.
 template <class Inverse>
@@ -148,7 +142,12 @@ double InverseBeta(double a, double b, double p, double* complement) {
     return Invert(
         [&](double* y) {
             if (p > 0 && p < 1 && IsBetaLimit(a, b)) return InverseBetaLimit(a, b, p, 1 - p, y);
-            return boost::math::ibeta_inv(a, b, Searchable(p, a, b), y, DefaultPolicy());
+            if (p > 0 && p < kTinyBetaProbability) {
+                const double x = std::exp(InverseBetaTinyProbability(a, b, p));
+                *y = 1 - x;
+                return x;
+            }
+            return boost::math::ibeta_inv(a, b, p, y, DefaultPolicy());
         },
         function, complement);
 }
@@ -171,7 +170,11 @@ double InverseBetaC(double a, double b, double q, double* complement) {
     return Invert(
         [&](double* y) {
             if (accepted && q > 0 && q < 1 && IsBetaLimit(a, b)) return InverseBetaLimit(a, b, 1 - q, q, y);
-            if (accepted) return boost::math::ibetac_inv(a, b, Searchable(q, a, b), y, DefaultPolicy());
+            if (accepted && q > 0 && q < kTinyBetaProbability) {
+                *y = std::exp(InverseBetaTinyProbability(b, a, q));
+                return 1 - *y;
+            }
+            if (accepted) return boost::math::ibetac_inv(a, b, q, y, DefaultPolicy());
             *y = kNaN;
             return kNaN;
         },

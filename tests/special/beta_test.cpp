@@ -107,6 +107,30 @@ TEST(InverseBeta, TheComplementKeepsItsDigitsNearOne) {
     EXPECT_NEAR(BetaRegularized(0.5, 5, y) / 1e-5, 1, 1e-9);
 }
 
+TEST(InverseBeta, TinyProbabilitiesDoNotThrow) {
+    for (double p : {1e-51, 1e-100, 1e-300, 5e-324})
+        for (double a : {0.3, 0.9, 2.0, 9.0, 300.0, 1e5})
+            for (double b : {0.3, 2.0, 50.0, 1e5}) {
+                const double x = InverseBetaRegularized(a, b, p);
+                if (x > 1e-290 && x < 0.99 && p > 1e-301) {
+                    EXPECT_NEAR(BetaRegularized(a, b, x) / p, 1, 1e-9 * (1 + a)) << a << " " << b << " " << p;
+                }
+                double result = 0, complement = 0;
+                InverseBetaRegularizedC2(b, a, p, &result, &complement);
+                EXPECT_EQ(complement, x) << a << " " << b << " " << p;
+            }
+}
+
+TEST(Beta, LimitsOfHugeParametersJoinTheGeneralForm) {
+    // Just inside and just outside the border of 1e14.
+    for (double b : {0.5, 3.0, 1e3}) {
+        const double y = (b + 1) / 1e14;  // so near to x = 1 that the complement is exact
+        EXPECT_NEAR(BetaRegularizedC(b, 1.0000001e14, y) / BetaRegularizedC(b, 0.9999999e14, y), 1, 1e-4) << b;
+    }
+    EXPECT_NEAR(BetaRegularized(1e20, 1e20, 0.5), 0.5, 1e-15);
+    EXPECT_EQ(BetaRegularized(1e100, 1e100, 0.4), 0);
+}
+
 TEST(Beta, AgreesWithFiftyDigits) {
     std::mt19937_64 random(kSeed);
     std::uniform_real_distribution<double> exponent(-2, 2.3), unit(0.001, 0.999);
