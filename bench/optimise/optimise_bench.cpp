@@ -6,6 +6,7 @@
 #include <dlfcn.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -118,8 +119,63 @@ void PackagedLibrary(benchmark::State& state) {
     Measure(state, [setulb](auto&... arguments) { return ThroughSetulb(setulb, arguments...); });
 }
 
+// R's driver, called from C as its manual on writing extensions describes it. It owns the loop and calls back, f and
+// gradient apart; both are made by the first call and handed out by the second. R has to be running.
+struct Memory {
+    std::vector<double> x, g;
+    double f = 0;
+};
+
+double FunctionForR(int n, double* at, void* data) {
+    auto& memory = *static_cast<Memory*>(data);
+    memory.x.assign(at, at + n);
+    return memory.f = Rosenbrock(memory.x, memory.g);
+}
+
+void GradientForR(int n, double*, double* g, void* data) {
+    std::memcpy(g, static_cast<Memory*>(data)->g.data(), sizeof(double) * static_cast<std::size_t>(n));
+}
+
+void DriverOfR(benchmark::State& state) {
+    using Driver = void(int n, int m, double* x, double* l, double* u, int* nbd, double* f,
+                        double (*function)(int, double*, void*), void (*gradient)(int, double*, double*, void*),
+                        int* fail, void* data, double factr, double pgtol, int* functions, int* gradients,
+                        int mostIterations, char* message, int trace, int report);
+    setenv("R_HOME", "/usr/lib/R", 0);
+    static void* library = dlopen("/usr/lib/R/lib/libR.so", RTLD_NOW | RTLD_GLOBAL);
+    if (library == nullptr) return state.SkipWithError("R is not installed");
+    const auto find = [](const char* name) { return dlsym(library, name); };
+    static const bool started = [&] {
+        const char* arguments[] = {"R", "--vanilla", "--quiet", "--no-save"};
+        reinterpret_cast<int (*)(int, char**)>(find("Rf_initEmbeddedR"))(4, const_cast<char**>(arguments));
+        return true;
+    }();
+    benchmark::DoNotOptimize(started);
+    auto* driver = reinterpret_cast<Driver*>(find("lbfgsb"));
+    auto* mark = reinterpret_cast<void* (*)()>(find("vmaxget"));
+    auto* release = reinterpret_cast<void (*)(const void*)>(find("vmaxset"));
+    Problem problem(static_cast<std::size_t>(state.range(0)));
+    const int n = static_cast<int>(problem.lower.size());
+    Memory memory;
+    memory.g.resize(problem.lower.size());
+    std::vector<double> x(problem.lower.size());
+    int functions = 0, gradients = 0, fail = 0;
+    double f = 0;
+    char message[60];
+    for (auto _ : state) {
+        x.assign(x.size(), 3.0);
+        void* const top = mark();
+        driver(n, kPairs, x.data(), problem.lower.data(), problem.upper.data(), problem.kind.data(), &f, FunctionForR,
+               GradientForR, &fail, &memory, kFactr, kPgtol, &functions, &gradients, 10000, message, 0, 10);
+        release(top);
+    }
+    state.counters["evaluations"] = functions;
+    state.counters["f"] = f;
+}
+
 }  // namespace
 
 BENCHMARK(Exports)->Arg(25)->Arg(1000)->Arg(100000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(BareSetulb)->Arg(25)->Arg(1000)->Arg(100000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(PackagedLibrary)->Arg(25)->Arg(1000)->Arg(100000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(DriverOfR)->Arg(25)->Arg(1000)->Unit(benchmark::kMicrosecond);
