@@ -82,11 +82,12 @@ def components(core, page, predictors):
     for i, (x, y) in enumerate(scores[:, :2]):
         axes.annotate(str(i + 1), (x, y), fontsize=8, xytext=(3, 3), textcoords="offset points")
     for name, x, y in zip(("air flow", "water temperature", "acid concentration"), vt[0], vt[1]):
-        axes.annotate("", (0.5 * x, 0.5 * y), (0, 0), arrowprops={"arrowstyle": "->", "color": BLUE})
-        axes.text(0.53 * x, 0.53 * y, name, color=BLUE)
+        axes.annotate("", (0.35 * x, 0.35 * y), (0, 0), arrowprops={"arrowstyle": "->", "color": BLUE})
+        axes.text(0.37 * x, 0.37 * y, name, color=BLUE)
     axes.set_xlabel(f"first component, {s[0] ** 2 / columns:.0%} of the variance")
+    axes.set_ylim(-0.45, 0.45)
     axes.set_ylabel(f"second, {s[1] ** 2 / columns:.0%}")
-    page.figure(figure, "The days of the stack-loss plant in their first two principal components; days 1 to 4 "
+    page.figure(figure, "The days of the stack-loss plant in their first two principal components; days 1 to 3 "
                         "stand apart.")
 
 
