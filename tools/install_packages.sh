@@ -4,9 +4,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-build=(g++ gfortran cmake ninja-build ccache python3 python3-numpy python3-matplotlib dpkg-dev ca-certificates
+build=(g++ gfortran cmake ninja-build ccache python3 python3-numpy python3-matplotlib python3-mpmath dpkg-dev patch ca-certificates
        libboost-dev libopenblas-dev liblapacke-dev)
-check=(libgtest-dev googletest clang-format python3-mpmath nlohmann-json3-dev pkg-config binutils)
+check=(libgtest-dev googletest clang-format nlohmann-json3-dev pkg-config binutils)
 bench=(libbenchmark-dev libgsl-dev r-mathlib r-base-core python3-scipy valgrind)
 
 case "${1:-build}" in

@@ -4,37 +4,226 @@
 
 #include "orvanth/types.h"
 
+/**
+ * @file
+ * Dense linear algebra in the caller's storage: LAPACK on a pointer and a MatrixDescriptor, in place.
+ *
+ * Element (i, j), from zero, of a view lies at pointer[offset + i + j * leadingDimension] in QR, QRP, QR_Q,
+ * QR_Qy, LS and OLS. FullSVD, ThinSVD, EigenSymmetric, SolveTriangularSystem and Xb ignore `offset` and start
+ * at the pointer itself. Descriptors are never written and no pointer outlives the call. Rows below a view,
+ * down to the leading dimension, are left alone.
+ *
+ * The result is LAPACK's INFO unchanged: 0 is success, -i means that argument i of the LAPACK routine was
+ * rejected, and a positive value has the meaning told with each export. Nothing throws, save OLS when the heap
+ * is exhausted, and errno is not set. LAPACK also prints a line about a rejected argument and returns.
+ *
+ * QR, QRP, QR_Q, QR_Qy, LS, OLS and FullSVD share one workspace of 10000 doubles that is neither locked nor
+ * grown: the host serialises them, and problems that need more come back with the INFO of that argument, their
+ * matrices untouched. ThinSVD, EigenSymmetric, SolveTriangularSystem and Xb may run on several threads at once.
+ *
+ * The kernels are OpenBLAS's. It starts one thread a core by itself, which costs more than it gains on problems
+ * of statistical size; a host sets OPENBLAS_NUM_THREADS=1 in its environment before the library is loaded, or
+ * calls openblas_set_num_threads(1) of the same OpenBLAS.
+ */
+
+/**
+ * Householder QR factorisation of an m by n matrix.
+ *
+ * @param[in,out] a       the matrix; on return R on and above the diagonal, the reflectors below it
+ * @param[in] descriptor  view of a, `offset` honoured
+ * @param[out] tau        min(m, n) factors of the reflectors
+ * @return INFO of dgeqrf: 0; -1 rows, -2 columns, -4 leadingDimension; -7 for more than 10000 columns.
+ * @par Failure
+ * Status; a rejected call changes nothing. No columns or no rows: 0 at once.
+ * @par Source
+ * LAPACK; the diagonal of R has the sign opposite to the element that its reflector began with.
+ */
 ORVANTH_API(int32_t) QR(double* a, const MatrixDescriptor* descriptor, double* tau);
 
+/**
+ * QR factorisation with column pivoting.
+ *
+ * @param[in,out] a       the matrix; on return the factors of the permuted matrix, as from QR
+ * @param[in] descriptor  view of a, `offset` honoured
+ * @param[out] tau        min(m, n) factors of the reflectors. It stands before jpvt, unlike in LAPACK
+ * @param[in,out] jpvt    n integers: on entry 0 leaves a column free and anything else fixes it at the front,
+ *                        so the caller clears it; on return element j is the number, from one, of the column
+ *                        of the given matrix that went to position j
+ * @return INFO of dgeqp3: 0; -1 rows, -2 columns, -4 leadingDimension; -8 for more than 3333 columns.
+ * @par Failure
+ * Status; a rejected call changes nothing.
+ * @par Source
+ * LAPACK; G. Quintana-Orti, X. Sun, C. H. Bischof, SIAM J. Sci. Comput. 19 (1998) 1486-1494.
+ */
 ORVANTH_API(int32_t) QRP(double* a, const MatrixDescriptor* descriptor, double* tau, int32_t* jpvt);
 
+/**
+ * Forms the thin Q of a factorisation by QR or QRP, in its place.
+ *
+ * @param[in,out] a       m by n, what QR or QRP left, m >= n; on return the first n columns of Q
+ * @param[in] descriptor  view of a, `offset` honoured
+ * @param[in] tau         n factors, as from QR or QRP
+ * @return INFO of dorgqr: 0; -1 rows, -2 columns, which may not exceed rows, -5 leadingDimension; -8 for more
+ *         than 10000 columns.
+ * @par Failure
+ * Status; a rejected call changes nothing. After QRP it is the Q of the permuted matrix; jpvt is applied by
+ * no export.
+ */
 ORVANTH_API(int32_t) QR_Q(double* a, const MatrixDescriptor* descriptor, const double* tau);
 
+/**
+ * Multiplies a matrix by Q or its transpose, from the factors of QR or QRP.
+ *
+ * @param[in] a            m by n, what QR or QRP left, m >= n; unchanged
+ * @param[in] aDescriptor  view of a, `offset` honoured
+ * @param[in] transpose    the whole word: 0 gives Q c, anything else Q transposed times c
+ * @param[in] tau          n factors, as from QR or QRP
+ * @param[in,out] c        m by k; its own `rows` is not read
+ * @param[in] cDescriptor  view of c, `offset` honoured
+ * @return INFO of dormqr: 0; -3 rows of a, -4 columns of c, -5 columns of a, which may not exceed its rows,
+ *         -7 and -10 the leading dimensions; -12 for more than 10000 columns of c.
+ * @par Failure
+ * Status; a rejected call changes nothing.
+ */
 ORVANTH_API(int32_t) QR_Qy(double* a, const MatrixDescriptor* aDescriptor, int32_t transpose,
                            const double* tau, double* c, const MatrixDescriptor* cDescriptor);
 
+/**
+ * Singular value decomposition with all singular vectors, in the shared workspace.
+ *
+ * @param[in,out] a         m by n; destroyed
+ * @param[in] aDescriptor   view of a, `offset` ignored
+ * @param[out] s            min(m, n) singular values, descending
+ * @param[out] u            m by m, left singular vectors as columns
+ * @param[in] uDescriptor   only leadingDimension is read
+ * @param[out] vt           n by n, right singular vectors as rows
+ * @param[in] vtDescriptor  only leadingDimension is read
+ * @return INFO of dgesdd: 0; -2 rows, -3 columns, -5, -8 and -10 the leading dimensions; -4 for an infinity or
+ *         a NaN in a; -12 when the workspace is too small, as for 57 by 57 or 100 by 50; above 0 the iteration
+ *         did not converge.
+ * @par Failure
+ * Status; a negative one changes nothing.
+ * @par Source
+ * LAPACK's divide and conquer; M. Gu, S. C. Eisenstat, SIAM J. Matrix Anal. Appl. 16 (1995) 79-92.
+ */
 ORVANTH_API(int32_t) FullSVD(double* a, const MatrixDescriptor* aDescriptor, double* s, double* u,
                              const MatrixDescriptor* uDescriptor, double* vt,
                              const MatrixDescriptor* vtDescriptor);
 
+/**
+ * Singular value decomposition with the first min(m, n) singular vectors, of any size.
+ *
+ * @param[in,out] a         m by n; destroyed
+ * @param[in] aDescriptor   view of a, `offset` ignored
+ * @param[out] s            min(m, n) singular values, descending
+ * @param[out] u            m by min(m, n), left singular vectors as columns
+ * @param[in] uDescriptor   only leadingDimension is read
+ * @param[out] vt           min(m, n) by n, right singular vectors as rows
+ * @param[in] vtDescriptor  only leadingDimension is read
+ * @return INFO of dgesdd, as for FullSVD, without the limit of the workspace: scratch is allocated for the call.
+ * @par Failure
+ * Status; a negative one changes nothing.
+ */
 ORVANTH_API(int32_t) ThinSVD(double* a, const MatrixDescriptor* aDescriptor, double* s, double* u,
                              const MatrixDescriptor* uDescriptor, double* vt,
                              const MatrixDescriptor* vtDescriptor);
 
+/**
+ * All eigenvalues, and if wanted eigenvectors, of a symmetric matrix.
+ *
+ * @param[in,out] a        n by n, n being `columns`; only the lower triangle is read, and it is destroyed with
+ *                         the diagonal. `rows` is not read
+ * @param[in] aDescriptor  view of a, `offset` ignored
+ * @param[out] w           n eigenvalues, ascending
+ * @param[out] m           the number of eigenvalues found: n on success
+ * @param[out] z           n by n, eigenvectors as columns; null for eigenvalues alone
+ * @param[in] zDescriptor  only leadingDimension is read; it must be at least n even if z is null
+ * @return INFO of dsyevr: 0; -4 columns, -6 leadingDimension of a; -15 leadingDimension of z; -6 also for an
+ *         infinity or a NaN in the lower triangle; above 0 an internal failure of LAPACK.
+ * @par Failure
+ * Status; a negative one leaves all matrices as they were. A rejected argument, unlike a matrix that is not
+ * finite, leaves a block of 8 n bytes allocated.
+ * @par Source
+ * LAPACK's relatively robust representations; I. S. Dhillon, B. N. Parlett, Linear Algebra Appl. 387 (2004) 1-28.
+ */
 ORVANTH_API(int32_t) EigenSymmetric(double* a, const MatrixDescriptor* aDescriptor, double* w,
                                     int32_t* m, double* z, const MatrixDescriptor* zDescriptor);
 
+/**
+ * Least squares, or for m < n the solution of smallest norm, of a system of full rank.
+ *
+ * @param[in,out] a        m by n; overwritten by its factorisation
+ * @param[in] aDescriptor  view of a, `offset` honoured
+ * @param[in,out] b        max(m, n) by k: m rows of right-hand sides, on return n rows of solutions. For m > n
+ *                         the squares of the rows below add up to the residual sum of squares. `rows` is not read
+ * @param[in] bDescriptor  view of b, `offset` honoured
+ * @return INFO of dgels: 0; -2 rows, -3 columns of a, -4 columns of b, -6 and -8 the leading dimensions;
+ *         -10 when min(m, n) + max(min(m, n), k) exceeds 10000; i > 0: the i-th diagonal element of the
+ *         triangular factor is exactly zero.
+ * @par Failure
+ * Status; a negative one changes nothing.
+ */
 ORVANTH_API(int32_t) LS(double* a, const MatrixDescriptor* aDescriptor, double* b,
                         const MatrixDescriptor* bDescriptor);
 
+/**
+ * Least squares that stops at the first column collinear with the columns before it.
+ *
+ * @param[in,out] a        m by n design; on INFO 0 R and the reflectors
+ * @param[in] aDescriptor  view of a, `offset` honoured
+ * @param[in,out] b        max(m, n) by k right-hand sides; on INFO 0 Q transposed times b. `rows` is not read
+ * @param[in] bDescriptor  view of b, `offset` honoured
+ * @param[out] x           n by k; on INFO 0 the coefficients of a single right-hand side, in the order of the
+ *                         columns. Of several only the first column is a solution: solve for one at a time
+ * @param[in] xDescriptor  view of x, `offset` honoured
+ * @param[out] tau         min(m, n) factors of the reflectors
+ * @param[in] tolerance    column i stops the call when the length of what the columns before it leave of it is
+ *                         at most tolerance times its own length (a column of zeros has length 1 here). 0 stops
+ *                         at an exact zero only, a negative one or a NaN never
+ * @return 0; i > 0: column i, from one, is collinear with the columns before it: b and x are unchanged, a and
+ *         tau partly factored. -1 rows, -2 columns of a, -3 columns of b, -5 and -7 the leading dimensions of a
+ *         and b, -12 workspace, reported as DGELSY; -8 for more than 2499 columns, reported as DGEQP3. For
+ *         m < n, -5 after a has been factored and x has been overwritten.
+ * @par Failure
+ * Status. std::bad_alloc if n integers cannot be allocated.
+ * @par Source
+ * Householder QR without pivoting; downdated column norms as in Z. Drmac, Z. Bujanovic, ACM Trans. Math.
+ * Softw. 35 (2008) 12.
+ */
 ORVANTH_API(int32_t) OLS(double* a, const MatrixDescriptor* aDescriptor, double* b,
                          const MatrixDescriptor* bDescriptor, double* x,
                          const MatrixDescriptor* xDescriptor, double* tau, double tolerance);
 
+/**
+ * Solves a triangular system for several right-hand sides.
+ *
+ * @param[in] a            n by n, n being `columns`; the other triangle and `rows` are not read
+ * @param[in] aDescriptor  view of a, `offset` ignored
+ * @param[in] upper        the whole word: 0 takes the lower triangle, anything else the upper
+ * @param[in] transpose    the whole word: 0 solves with the triangle, anything else with its transpose
+ * @param[in,out] b        n by k right-hand sides; on return the solutions. `rows` is not read
+ * @param[in] bDescriptor  view of b, `offset` ignored
+ * @return INFO of dtrtrs: 0; -4 columns of a, -5 columns of b, -7 and -9 the leading dimensions; i > 0: the
+ *         i-th diagonal element is exactly zero.
+ * @par Failure
+ * Status; any but 0 leaves b unchanged.
+ */
 ORVANTH_API(int32_t) SolveTriangularSystem(const double* a, const MatrixDescriptor* aDescriptor,
                                            int32_t upper, int32_t transpose, double* b,
                                            const MatrixDescriptor* bDescriptor);
 
+/**
+ * The residual sum of squares of y - X b.
+ *
+ * @param[in] x           m by n
+ * @param[in] descriptor  view of x, `offset` ignored
+ * @param[in] b           n coefficients
+ * @param[in] y           m observations
+ * @return the sum over rows, in their order, of (y[i] - sum over columns, in their order, of b[j] x[i, j])^2.
+ *         m < 1: 0, and nothing is read. n = 0: the sum of squares of y.
+ * @par Failure
+ * None; infinities and NaNs go their way through the sums.
+ */
 ORVANTH_API(double) Xb(const double* x, const MatrixDescriptor* descriptor, const double* b,
                        const double* y);
 

@@ -62,22 +62,20 @@ ORVANTH_API(double) BinomialCDF(double k, double n, double p, TailFlag tail) {
     ErrnoKeeper keep;
     CheckParameters(n, p);
     CheckSuccesses("boost::math::cdf(binomial_distribution<%1%> const&, %1%)", k, n);
-    if (!IsSet(tail)) return BinomialCumulative(k, n, p);
-    if (k == n || p == 0) return 0;
-    if (p == 1) return 1;
-    return RegularizedBeta(k + 1, n - k, p);
+    return BinomialTail(k, n, p, IsSet(tail));
 }
 
 ORVANTH_API(double) BinomialICDF(double probability, double n, double p, TailFlag tail, int32_t roundUp) {
     ErrnoKeeper keep;
     CheckParameters(n, p);
-    // Required: the upper tail is the lower one of the rounded difference.
-    const double lower = IsSet(tail) ? 1 - probability : probability;
+    const double complement = 1 - probability;
+    const double lower = IsSet(tail) ? complement : probability;
+    const double upper = IsSet(tail) ? probability : complement;
     CheckProbability("boost::math::quantile(binomial_distribution<%1%> const&, %1%)", lower);
     if (lower == 0) return 0;
     if (lower == 1) return n;
     if (lower <= std::pow(1 - p, n)) return 0;
-    return BinomialSearch(lower, n, p, IsWholeWordSet(roundUp));
+    return SearchBinomialQuantile(lower, upper, n, p, IsWholeWordSet(roundUp) ? Rounding::kUp : Rounding::kDown);
 }
 
 ORVANTH_API(double) BinomialPS(double alpha, double successes, double trials, int32_t boundSelector) {

@@ -1,9 +1,9 @@
 #include "distributions/binomial_quantile.hpp"
 
-#include <algorithm>
 #include <cmath>
+#include <cstdint>
 
-#include <boost/math/special_functions/erf.hpp>
+#include <boost/math/distributions/binomial.hpp>
 
 #include "frame/policies.hpp"
 #include "special/beta.hpp"
@@ -12,43 +12,66 @@ namespace orvanth {
 
 namespace {
 
-// A normal quantile with its skewness correction (Cornish and Fisher); only a place to start from.
-double Estimate(double probability, double n, double p) {
-    const double sd = std::sqrt(n * p * (1 - p));
-    const double x = -boost::math::erfc_inv(2 * probability, DefaultPolicy()) * std::sqrt(2.0);
-    const double skewness = (1 - 2 * p) / sd;
-    const double guess = n * p + sd * (x + skewness * (x * x - 1) / 6);
-    return std::isnan(guess) ? n / 2 : std::clamp(std::floor(guess), 0.0, std::floor(n));
+// The distribution as the search sees it.
+class Searched {
+public:
+    using value_type = double;
+    using policy_type = DefaultPolicy;
+
+    Searched(double n, double p) : n_(n), p_(p) {}
+    double Tail(double k, bool upper) const { return BinomialTail(k, n_, p_, upper); }
+    double Trials() const { return n_; }
+
+private:
+    double n_;
+    double p_;
+};
+
+double cdf(const Searched& dist, double k) { return dist.Tail(k, false); }
+double cdf(const boost::math::complemented2_type<Searched, double>& c) { return c.dist.Tail(c.param, true); }
+std::pair<double, double> support(const Searched& dist) { return {0, dist.Trials()}; }
+
+// Where the search begins, and by which factor it steps out while it has no bracket: the estimate
+// is good for many trials and is replaced for few.
+struct Start {
+    double estimate;
+    double factor;
+};
+
+Start EstimateQuantile(double lower, double upper, double n, double p) {
+    const double guess =
+        boost::math::binomial_detail::inverse_binomial_cornish_fisher(n, p, lower, upper, DefaultPolicy());
+    if (n < 10) return guess > n / 64 ? Start{n / 4, 2} : Start{n / 1024, 8};
+    // With p = 1 nothing varies and the estimate is a NaN; all the mass is at n.
+    if (std::isnan(guess)) return {n, 2};
+    if (n > 100) return {guess, 1.01F};
+    if (n > 10 && n - 1 > guess && guess > 3) return {guess, 1.15F};
+    return {guess, 2};
 }
 
 }  // namespace
 
-double BinomialCumulative(double k, double n, double p) {
-    if (k == n || p == 0) return 1;
-    if (p == 1) return 0;
-    return RegularizedBetaC(k + 1, n - k, p);
+double BinomialTail(double k, double n, double p, bool upper) {
+    if (k == n || p == 0) return upper ? 0 : 1;
+    if (p == 1) return upper ? 1 : 0;
+    return upper ? RegularizedBeta(k + 1, n - k, p) : RegularizedBetaC(k + 1, n - k, p);
 }
 
-// Whole numbers are searched: the cumulative probability rises, so the largest k that does not
-// exceed the target is the floor of the real solution.
-double BinomialSearch(double probability, double n, double p, bool roundUp) {
-    const auto exceeds = [&](double k) { return BinomialCumulative(k, n, p) > probability; };
-    const double top = std::floor(n);
-    double low = 0, high = top + 1;  // low does not exceed, high does or is beyond the end
-    double step = 1;
-    const double start = Estimate(probability, n, p);
-    if (exceeds(start)) {
-        for (high = start; high - step > low && exceeds(high - step); step *= 2) high -= step;
-        low = std::max(low, high - step);
-    } else {
-        for (low = start; low + step < high && !exceeds(low + step); step *= 2) low += step;
-        high = std::min(high, low + step);
-    }
-    for (double middle = std::floor(low + (high - low) / 2); middle > low && middle < high;
-         middle = std::floor(low + (high - low) / 2))
-        (exceeds(middle) ? high : low) = middle;
-    if (!roundUp || BinomialCumulative(low, n, p) == probability) return low;
-    return std::min(low + 1, n);
+// Required: the answer is the floor or the ceiling of the solution that the search ends on. It is
+// not moved to an end of a run of counts whose tails are equal as doubles.
+double SearchBinomialQuantile(double lower, double upper, double n, double p, Rounding rounding) {
+    const Start start = EstimateQuantile(lower, upper, n, p);
+    // The smaller of the two tails is searched: it has the more digits.
+    const bool onUpper = !(lower < upper);
+    const auto search = [&](double from, auto tolerance) {
+        std::uintmax_t iterations = bmp::get_max_root_iterations<DefaultPolicy>();
+        return boost::math::detail::do_inverse_discrete_quantile(Searched(n, p), onUpper ? upper : lower, onUpper,
+                                                                 from, start.factor, 1.0, tolerance, iterations);
+    };
+    if (rounding == Rounding::kDown)
+        return std::floor(
+            search(start.estimate < 1 ? 1 : std::floor(start.estimate), boost::math::tools::equal_floor()));
+    return std::ceil(search(std::ceil(start.estimate), boost::math::tools::equal_ceil()));
 }
 
 }  // namespace orvanth

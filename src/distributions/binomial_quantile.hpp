@@ -1,15 +1,18 @@
-// The search behind BinomialICDF.
+// The tails of the binomial distribution and the search behind BinomialICDF. Nothing here tests its
+// arguments: p in [0, 1], n >= 0 and 0 <= k <= n hold on entry.
 #ifndef ORVANTH_DISTRIBUTIONS_BINOMIAL_QUANTILE_HPP
 #define ORVANTH_DISTRIBUTIONS_BINOMIAL_QUANTILE_HPP
 
 namespace orvanth {
 
-// P(X <= k) of the binomial distribution, continued to every real k from 0 to n: no tests.
-double BinomialCumulative(double k, double n, double p);
+// P(X <= k), or P(X > k) for the upper tail, continued to every real k from 0 to n.
+double BinomialTail(double k, double n, double p, bool upper);
 
-// The floor, or the ceiling, of the real k with P(X <= k) = probability, for a probability above
-// P(X = 0) and below 1.
-double BinomialSearch(double probability, double n, double p, bool roundUp);
+enum class Rounding { kDown, kUp };
+
+// The floor, or the ceiling, of the real k at which P(X <= k) = lower; upper is 1 - lower, which may
+// have more digits. For (1 - p)^n < lower < 1.
+double SearchBinomialQuantile(double lower, double upper, double n, double p, Rounding rounding);
 
 }  // namespace orvanth
 

@@ -9,7 +9,7 @@ namespace {
 
 using namespace orvanth;
 
-// The place of the matrix among dsyevr's arguments, negated.
+// The answer to a matrix that is not finite; dsyevr itself gives it to a bad leading dimension of the matrix.
 constexpr std::int32_t kMatrixRejected = -6;
 
 // The arguments that the query and the real call have in common.

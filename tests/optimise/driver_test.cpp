@@ -254,6 +254,20 @@ TEST(LBFGSBStep, FailedLineSearchHandsBackTheLastGoodPoint) {
     EXPECT_EQ(run.evaluations, 21);  // the start and twenty trial points
 }
 
+TEST(LBFGSBStep, FailedLineSearchRestoresFAndGOverThoseOfTheLastTrial) {
+    Minimisation run(BoothProblem());
+    // Every evaluation is worse than the one before, and its gradient tells which it was.
+    EXPECT_EQ(run.Drive([&](const std::vector<double>&, std::vector<double>& g) {
+        g = {1.0 + run.evaluations, -1.0};
+        return 5.0 + run.evaluations;
+    }),
+              4);
+    EXPECT_GT(run.evaluations, 1);
+    EXPECT_EQ(run.f, 5);
+    EXPECT_EQ(run.g, (std::vector<double>{1, -1}));
+    EXPECT_EQ(run.x, (std::vector<double>{1, 1}));
+}
+
 TEST(LBFGSBStep, LineSearchThatFailsWithAMemoryStartsAnewUnseen) {
     Minimisation run(Boxed({-1.2, 1, -1.2, 1}, -5, 5));
     int calls = 0;

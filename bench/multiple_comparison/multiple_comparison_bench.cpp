@@ -1,0 +1,83 @@
+// The three statistics against the plain double loop and against the standalone Rmath library, in one
+// run. SciPy's times: bench/multiple_comparison/peers.py.
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <vector>
+
+#include "multiple_comparison/plain_mc.hpp"
+#include "orvanth/multiple_comparison.h"
+
+#ifdef ORVANTH_HAS_RMATH
+extern "C" {
+double ptukey(double q, double ranges, double k, double df, int lower, int logarithm);
+double qtukey(double p, double ranges, double k, double df, int lower, int logarithm);
+}
+#endif
+
+namespace {
+
+using namespace orvanth;
+using plain::Statistic;
+using Export = double (*)(double, std::int32_t, double, const double*, TailFlag);
+
+std::vector<double> Lambda(std::int64_t k, bool equal) {
+    std::vector<double> lambda(static_cast<std::size_t>(k), 1 / std::sqrt(2.0));
+    for (std::size_t j = 0; j < lambda.size() && !equal; ++j) lambda[j] = 0.4 + 0.03 * static_cast<double>(j);
+    return lambda;
+}
+
+double Vary(int& step) {
+    step = (step + 1) % 8;
+    return 2.2 + 0.1 * step;
+}
+
+void Ours(benchmark::State& state, Export function, bool equal) {
+    const std::int32_t k = static_cast<std::int32_t>(state.range(0));
+    const std::vector<double> lambda = Lambda(k, equal);
+    int step = 0;
+    for (auto _ : state) benchmark::DoNotOptimize(function(Vary(step), k, 10, lambda.data(), 0));
+}
+
+void Plain(benchmark::State& state, Statistic statistic, bool equal) {
+    const std::int32_t k = static_cast<std::int32_t>(state.range(0));
+    const std::vector<double> lambda = Lambda(k, equal);
+    int step = 0;
+    for (auto _ : state) benchmark::DoNotOptimize(plain::Cumulative(statistic, Vary(step), k, 10, lambda.data()));
+}
+
+void Quantile(benchmark::State& state, Export function, bool equal) {
+    const std::int32_t k = static_cast<std::int32_t>(state.range(0));
+    const std::vector<double> lambda = Lambda(k, equal);
+    for (auto _ : state) benchmark::DoNotOptimize(function(0.95, k, 10, lambda.data(), 0));
+}
+
+BENCHMARK_CAPTURE(Ours, Tukey, MCaCDF, true)->Arg(3)->Arg(10);
+BENCHMARK_CAPTURE(Plain, Tukey, Statistic::kTukey, true)->Arg(3)->Arg(10);
+BENCHMARK_CAPTURE(Ours, Hsu_balanced, MCbCDF, true)->Arg(3)->Arg(10)->Arg(40);
+BENCHMARK_CAPTURE(Plain, Hsu_balanced, Statistic::kHsu, true)->Arg(3)->Arg(10)->Arg(40);
+BENCHMARK_CAPTURE(Ours, Hsu_unbalanced, MCbCDF, false)->Arg(3)->Arg(10);
+BENCHMARK_CAPTURE(Plain, Hsu_unbalanced, Statistic::kHsu, false)->Arg(3)->Arg(10);
+BENCHMARK_CAPTURE(Ours, Dunnett_balanced, MCcCDF, true)->Arg(3)->Arg(10)->Arg(40);
+BENCHMARK_CAPTURE(Plain, Dunnett_balanced, Statistic::kDunnett, true)->Arg(3)->Arg(10)->Arg(40);
+BENCHMARK_CAPTURE(Ours, Dunnett_unbalanced, MCcCDF, false)->Arg(3)->Arg(10);
+BENCHMARK_CAPTURE(Plain, Dunnett_unbalanced, Statistic::kDunnett, false)->Arg(3)->Arg(10);
+BENCHMARK_CAPTURE(Quantile, Tukey, MCaICDF, true)->Arg(3)->Arg(10);
+BENCHMARK_CAPTURE(Quantile, Hsu, MCbICDF, true)->Arg(3)->Arg(10);
+BENCHMARK_CAPTURE(Quantile, Dunnett, MCcICDF, true)->Arg(3)->Arg(10);
+
+#ifdef ORVANTH_HAS_RMATH
+void RmathCumulative(benchmark::State& state) {
+    int step = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(
+            ptukey(Vary(step) * std::sqrt(2.0), 1, static_cast<double>(state.range(0)), 10, 1, 0));
+}
+void RmathQuantile(benchmark::State& state) {
+    for (auto _ : state) benchmark::DoNotOptimize(qtukey(0.95, 1, static_cast<double>(state.range(0)), 10, 1, 0));
+}
+BENCHMARK(RmathCumulative)->Arg(3)->Arg(10);
+BENCHMARK(RmathQuantile)->Arg(3)->Arg(10);
+#endif
+
+}  // namespace

@@ -1,0 +1,242 @@
+#include "linalg/collinearity_qr.hpp"
+
+#include <array>
+#include <cstdlib>
+#include <new>
+
+#include "linalg/matrices.hpp"
+
+namespace {
+// Allocations through operator new in this program.
+long allocations = 0;
+}  // namespace
+
+void* operator new(std::size_t size) {
+    ++allocations;
+    if (void* block = std::malloc(size)) return block;
+    throw std::bad_alloc();
+}
+void* operator new[](std::size_t size) { return operator new(size); }
+void operator delete[](void* block) noexcept { std::free(block); }
+void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+void operator delete(void* block) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+
+namespace orvanth::test {
+namespace {
+
+struct Step {
+    explicit Step(Matrix matrix) : a(std::move(matrix)), tau(RogueVector(a.Columns() + 1)) {
+        for (int j = 0; j < a.Columns(); ++j) {
+            double sum = 0;
+            for (int i = 0; i < a.Rows(); ++i) sum += a(i, j) * a(i, j);
+            vn1.push_back(std::sqrt(sum));
+        }
+        vn2 = vn1;
+        work = RogueVector(a.Columns() + 1);
+    }
+    int Run(double tolerance) {
+        std::int32_t info = 0;
+        CollinearityQRStep(&a.descriptor.rows, &a.descriptor.columns, a.Data(), &a.descriptor.leadingDimension,
+                           tau.data(), vn1.data(), vn2.data(), work.data(), &info, &tolerance);
+        return info;
+    }
+    Matrix a;
+    std::vector<double> tau, vn1, vn2, work;
+};
+
+TEST(CollinearityQRStep, DowndatesThePartialNormsOfLaterColumns) {
+    Matrix a(3, 2);
+    a(0, 0) = 1, a(1, 0) = 0, a(2, 0) = 0;
+    a(0, 1) = 3, a(1, 1) = 4, a(2, 1) = 12;
+    Step step(a);
+    EXPECT_EQ(step.Run(0.5), 0);
+    EXPECT_DOUBLE_EQ(step.vn1[1], 13 * std::sqrt(1 - (3.0 / 13) * (3.0 / 13)));
+    EXPECT_EQ(step.vn2[1], 13);  // downdated, not recomputed
+    EXPECT_EQ(step.vn1[0], 1);
+}
+
+TEST(CollinearityQRStep, RecomputesTheNormWhenTheDowndateCancels) {
+    // 1 - (1 / 1)^2 cancels to nothing, and the norm of what is left is 1e-9.
+    Matrix a(3, 2);
+    a(0, 0) = 1, a(1, 0) = 0, a(2, 0) = 0;
+    a(0, 1) = 1, a(1, 1) = 0, a(2, 1) = 1e-9;
+    Step step(a);
+    EXPECT_EQ(step.Run(1e-10), 0);
+    EXPECT_EQ(step.vn1[1], 1e-9);
+    EXPECT_EQ(step.vn2[1], 1e-9);
+    Step stopped(a);
+    EXPECT_EQ(stopped.Run(1e-8), 2);
+}
+
+TEST(CollinearityQRStep, CancellationIsJudgedAgainstTheRootOfTheRoundingUnit) {
+    // temp2 = 1 - cos^2 is on either side of sqrt(2^-53) = 1.05e-8.
+    for (double rest : {0.9e-4, 1.1e-4}) {
+        Matrix a(2, 2);
+        a(0, 0) = 1, a(1, 0) = 0, a(0, 1) = 1, a(1, 1) = rest;
+        Step step(a);
+        EXPECT_EQ(step.Run(1e-10), 0);
+        if (rest < 1e-4)
+            EXPECT_EQ(step.vn2[1], rest);
+        else
+            EXPECT_GT(step.vn2[1], 0.9);
+    }
+}
+
+TEST(CollinearityQRStep, AccumulatedDowndatesAreJudgedAgainstTheLastExactNorm) {
+    // vn1 / vn2 = 1e-4 beforehand, so that a harmless downdate is recomputed all the same.
+    Matrix a(2, 2);
+    a(0, 0) = 1, a(1, 0) = 0, a(0, 1) = 3, a(1, 1) = 4;
+    Step step(a);
+    step.vn2[1] = 5e4;
+    EXPECT_EQ(step.Run(-1), 0);
+    EXPECT_EQ(step.vn1[1], 4);
+    EXPECT_EQ(step.vn2[1], 4);
+}
+
+TEST(CollinearityQRStep, LastRowLeavesNoNorm) {
+    // A wide matrix: after its last row nothing is left of the later columns, and a cancelled norm becomes 0.
+    Matrix a(1, 3);
+    a(0, 0) = 2, a(0, 1) = 3, a(0, 2) = 0;
+    Step step(a);
+    EXPECT_EQ(step.Run(0.5), 0);
+    EXPECT_EQ(step.tau[0], 0);  // a reflection of order 1 is the identity
+    EXPECT_EQ(step.a(0, 0), 2);
+    EXPECT_EQ(step.vn1[1], 0);
+    EXPECT_EQ(step.vn2[1], 0);
+    EXPECT_EQ(step.vn1[2], 0);  // a norm of 0 is left alone
+}
+
+TEST(CollinearityQRStep, NothingIsDoneForAnEmptyMatrix) {
+    Step step(Matrix(0, 3));
+    step.vn1 = step.vn2 = RogueVector(3);
+    EXPECT_EQ(step.Run(1), 0);
+    EXPECT_TRUE(IsRogue(step.vn1[0]) && IsRogue(step.tau[0]));
+}
+
+TEST(CollinearityQRStep, DesignsBeyondTheFixedRoomStillWork) {
+    const int n = 2600;
+    std::vector<double> a(static_cast<std::size_t>(n), 1.0), vn1(a), vn2(a), work(a), tau(a);
+    const std::int32_t m = 1, lda = 1;
+    const double tolerance = 0.5;
+    std::int32_t info = 0;
+    CollinearityQRStep(&m, &n, a.data(), &lda, tau.data(), vn1.data(), vn2.data(), work.data(), &info, &tolerance);
+    EXPECT_EQ(info, 0);
+    // A square of this order stops at once, after its initial norms have been taken from the heap.
+    const std::int32_t order = n;
+    std::ranges::fill(vn1, 0.0);
+    std::vector<double> square(static_cast<std::size_t>(n) * static_cast<std::size_t>(n));
+    CollinearityQRStep(&order, &order, square.data(), &order, tau.data(), vn1.data(), vn2.data(), work.data(), &info,
+                       &tolerance);
+    EXPECT_EQ(info, 1);
+}
+
+struct Factorisation {
+    int Run(int m, int n, int lda, int lwork, double tolerance = 1e-9) {
+        std::int32_t info = 4711;
+        const Rejection r = Rejected([&] {
+            CollinearityQR(&m, &n, a.Data(), &lda, jpvt, tau, work.data(), &lwork, &info, &tolerance);
+            return 0;
+        });
+        report = r.report;
+        return info;
+    }
+    Matrix a = Identity(4);
+    std::int32_t jpvt[4] = {0, 0, 0, 0};
+    double tau[4] = {};
+    std::vector<double> work = RogueVector(20);
+    std::string report;
+};
+
+TEST(CollinearityQR, RejectedArgumentsAreReportedUnderDgeqp3) {
+    for (auto [m, n, lda, lwork, info] : {std::array{-1, 3, 4, 20, -1},
+                                          {4, -1, 4, 20, -2},
+                                          {4, 3, 3, 20, -4},
+                                          {0, 3, 0, 20, -4},
+                                          {4, 3, 4, 9, -8},
+                                          {0, 3, 1, 0, -8},
+                                          {-1, -1, 0, 0, -1}}) {
+        Factorisation f;
+        const std::vector<double> before = f.a.storage;
+        EXPECT_EQ(f.Run(m, n, lda, lwork), info);
+        EXPECT_NE(f.report.find("DGEQP3"), std::string::npos) << f.report;
+        EXPECT_TRUE(SameBits(f.a.storage, before));
+        EXPECT_EQ(f.jpvt[0], 0);
+    }
+}
+
+TEST(CollinearityQR, WorkOfThreeColumnsAndOneIsEnoughAndNothingBeyondIsTouched) {
+    Factorisation f;
+    EXPECT_EQ(f.Run(4, 3, 4, 10), 0);
+    EXPECT_EQ(f.report, "");
+    for (std::size_t k = 10; k < f.work.size(); ++k) EXPECT_TRUE(IsRogue(f.work[k]));
+    for (int j = 0; j < 3; ++j) EXPECT_EQ(f.jpvt[j], j + 1);
+}
+
+TEST(CollinearityQR, QueryAndEmptyMatrixReturnBeforeAnythingIsDone) {
+    for (auto [m, n, lwork] : {std::array{4, 3, -1}, {0, 3, 1}, {4, 0, 1}}) {
+        Factorisation f;
+        const std::vector<double> before = f.a.storage;
+        EXPECT_EQ(f.Run(m, n, 4, lwork), 0);
+        EXPECT_TRUE(SameBits(f.a.storage, before));
+        EXPECT_EQ(f.jpvt[0], 0);
+        EXPECT_TRUE(IsRogue(f.work[0]));
+    }
+}
+
+struct LeastSquares {
+    int Run(int m, int n, int nrhs, int lda, int ldb, int lwork, double tolerance = 1e-9) {
+        std::int32_t info = 4711;
+        const std::int32_t ldx = 4;
+        report = Rejected([&] {
+                     CollinearityLeastSquares(&m, &n, &nrhs, a.Data(), &lda, b.Data(), &ldb, jpvt, tau, &tolerance,
+                                              x.Data(), &ldx, work.data(), &lwork, &info);
+                     return 0;
+                 }).report;
+        return info;
+    }
+    Matrix a = Identity(4), b = Identity(4), x = Identity(4);
+    std::int32_t jpvt[4] = {0, 0, 0, 0};
+    double tau[4] = {};
+    std::vector<double> work = RogueVector(40);
+    std::string report;
+};
+
+TEST(CollinearityLeastSquares, WorkIsCheckedInBothRoutines) {
+    // For 4 x 3 with one right-hand side the first check wants 3 + max(6, 4, 4) = 9, the second 3 + 10.
+    LeastSquares f;
+    EXPECT_EQ(f.Run(4, 3, 1, 4, 4, 8), -12);
+    EXPECT_NE(f.report.find("DGELSY"), std::string::npos);
+    EXPECT_EQ(f.Run(4, 3, 1, 4, 4, 9), -8);
+    EXPECT_NE(f.report.find("DGEQP3"), std::string::npos);
+    EXPECT_EQ(f.Run(4, 3, 1, 4, 4, 12), -8);
+    EXPECT_EQ(f.Run(4, 3, 1, 4, 4, 13), 0);
+    EXPECT_EQ(f.report, "");
+    for (std::size_t k = 13; k < f.work.size(); ++k) EXPECT_TRUE(IsRogue(f.work[k]));
+    for (std::size_t k = 0; k < 3; ++k) EXPECT_TRUE(IsRogue(f.work[k]));  // its first mn elements are left alone
+}
+
+TEST(CollinearityLeastSquares, QueryReturnsZeroAndChangesNothing) {
+    LeastSquares f;
+    const std::vector<double> before = f.a.storage;
+    EXPECT_EQ(f.Run(4, 3, 1, 4, 4, -1), 0);
+    EXPECT_TRUE(SameBits(f.a.storage, before));
+    EXPECT_TRUE(IsRogue(f.work[0]));
+    EXPECT_EQ(f.Run(4, 0, 1, 4, 4, 0), -12);  // an empty problem wants an element all the same
+    EXPECT_EQ(f.Run(4, 0, 1, 4, 4, 1), 0);
+}
+
+TEST(OLS, PivotArrayIsTheOnlyAllocation) {
+    std::mt19937_64 random(kSeed);
+    Matrix a(50, 10), b(50, 1), x(10, 1);
+    FillRandom(a, random);
+    FillRandom(b, random);
+    double tau[10];
+    const long before = allocations;
+    const int info = OLS(a.Data(), a.Descriptor(), b.Data(), b.Descriptor(), x.Data(), x.Descriptor(), tau, 1e-9);
+    EXPECT_EQ(allocations - before, 1);
+    EXPECT_EQ(info, 0);
+}
+
+}  // namespace
+}  // namespace orvanth::test
