@@ -107,7 +107,7 @@ double Pomeranz(std::int32_t n, double x) {
         const std::int32_t jlow = std::max(static_cast<std::int32_t>(2.0 + Atflo[i]), 1);
         const std::int32_t jup = std::min(static_cast<std::int32_t>(Atcei[i]), n + 1);
         const std::int32_t klow = std::max(static_cast<std::int32_t>(2.0 + Atflo[i - 1]), 1);
-        const std::int32_t kup = static_cast<std::int32_t>(Atcei[i - 1]);
+        const std::int32_t kup = std::min(static_cast<std::int32_t>(Atcei[i - 1]), n + 1);
         const double w = (A[i] - A[i - 1]) / n;
         std::size_t r = 0;
         while (r < 3 && !(std::fabs(w - row[r][1]) <= kStepTolerance)) ++r;

@@ -9,6 +9,8 @@
 #include <random>
 #include <string>
 
+#include <boost/math/tools/toms748_solve.hpp>
+
 #include "frame/policies.hpp"
 #include "kolmogorov/durbin_matrix.hpp"
 #include "kolmogorov/kolmogorov.hpp"
@@ -184,6 +186,26 @@ TEST(KolmogorovICDF, ASenselessSampleSizeThrowsAndReturnsAtOnce) {
             << n;
 }
 
+TEST(KolmogorovICDF, BelowOneObservationThereIsOnlyTheJumpAtOne) {
+    EXPECT_EQ(ThrownText<boost::math::evaluation_error>([] { KolmogorovICDF(0.5, 0, 0); }).find(kUnbracketed), 0u);
+    EXPECT_NEAR(KolmogorovICDF(0.5, 0.5, 0), 1.0, 2e-7);
+}
+
+TEST(KolmogorovICDF, MessagesOfTheSearchAreThoseOfItsPolicy) {
+    // The walk always ends with ordered ends of different sign, so these two are raised here by hand.
+    const auto solve = [](double a, double b) {
+        std::uintmax_t evaluations = 100;
+        boost::math::tools::toms748_solve([](double x) { return x; }, a, b, a, b,
+                                          boost::math::tools::eps_tolerance<double>(24), evaluations,
+                                          DefaultPolicy());
+    };
+    EXPECT_EQ(ThrownText<std::domain_error>([&] { solve(2, 1); }),
+              "Error in function boost::math::tools::toms748_solve<double>: Parameters a and b out of order: a=2");
+    EXPECT_EQ(ThrownText<std::domain_error>([&] { solve(1, 2); }),
+              "Error in function boost::math::tools::toms748_solve<double>: Parameters a and b do not bracket the "
+              "root: a=1");
+}
+
 TEST(Published, PercentagePointsWhereThePrintedFigureIsRight) {
     int compared = 0;
     for (const auto& row : orvanth::test::ReadTable("published/kolmogorov_percentage_points.tsv")) {
@@ -211,11 +233,13 @@ struct Errors {
 };
 
 // The record of docs/accuracy/kolmogorov.md.
-const std::map<std::string, Errors> kRecorded = {
-    {"closed form", {0, 2e-14, 3e-12}},     {"matrix, n <= 140", {0, 4e-15, 4e-15}},
-    {"recursion", {0, 2e-13, 2e-10}},       {"one-sided tail, n <= 140", {0, 6e-15, 1e-11}},
-    {"matrix, n > 140", {0, 2e-14, 1e-15}}, {"series, w < 2.2", {0, 3.5e-5, 2e-5}},
-    {"series and one-sided tail", {0, 6e-7, 2e-6}}};
+const std::map<std::string, Errors> kRecorded = {{"closed form", {0, 2e-14, 3e-12}},
+                                                 {"matrix, n <= 140", {0, 4e-15, 4e-15}},
+                                                 {"recursion", {0, 2e-13, 2e-10}},
+                                                 {"one-sided tail, n <= 140", {0, 6e-15, 1e-11}},
+                                                 {"matrix, n > 140", {0, 2e-14, 1e-15}},
+                                                 {"series, w < 2.2", {0, 3.5e-5, 2e-5}},
+                                                 {"series and one-sided tail", {0, 6e-7, 2e-6}}};
 
 TEST(Published, ExactValuesAndTheErrorOfEachRegion) {
     std::map<std::string, Errors> worst;
