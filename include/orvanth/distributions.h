@@ -283,7 +283,8 @@ ORVANTH_API(double) StudentTICDF(double p, double df, TailFlag tail);
  * Throws std::domain_error, tests in this order: "Success fraction argument is ...", "Number of Trials argument is
  * ...", "Number of Successes argument is ..." (below 0, or above n).
  * @par Method
- * The derivative of the incomplete beta function.
+ * The derivative of the incomplete beta function at p, divided by n + 1. Relative error up to 4e-15 for n to 30,
+ * 3e-11 for n to 10^6.
  */
 ORVANTH_API(double) BinomialPDF(double k, double n, double p);
 
@@ -298,7 +299,8 @@ ORVANTH_API(double) BinomialPDF(double k, double n, double p);
  * @par Failure
  * As BinomialPDF: a k above n throws, it does not answer 1.
  * @par Method
- * The regularized incomplete beta function.
+ * The regularized incomplete beta function. Relative error of both tails up to 1e-13 for n to 1000, 3e-11 for n to
+ * 10^6.
  */
 ORVANTH_API(double) BinomialCDF(double k, double n, double p, TailFlag tail);
 
@@ -312,9 +314,12 @@ ORVANTH_API(double) BinomialCDF(double k, double n, double p, TailFlag tail);
  * @param[in] roundUp      zero: the floor of the real solution; any other word: its ceiling
  * @return k; 0 where the probability does not exceed (1 - p)^n, n at probability 1.
  * @par Failure
- * Throws std::domain_error as BinomialPDF, and "Probability argument is ...".
+ * Throws std::domain_error as BinomialPDF, and "Probability argument is ..." with the lower tail, which for a set tail
+ * is 1 - probability. Beyond 2^52 trials, where neighbouring counts are neighbouring doubles, the search may end in
+ * "Parameters a and b out of order ..." (std::domain_error).
  * @par Method
- * A Cornish-Fisher estimate and a search over whole numbers.
+ * A Cornish-Fisher estimate, and from there a search for the real solution on the smaller of the two tails, at most
+ * 200 steps. With p = 1 the solution is n, approached from below: n - 1 rounded down, n rounded up.
  */
 ORVANTH_API(double) BinomialICDF(double probability, double n, double p, TailFlag tail,
                                  int32_t roundUp);
@@ -341,16 +346,19 @@ ORVANTH_API(double) BinomialPS(double alpha, double successes, double trials,
  * Point probability of the count of marked items in a sample drawn without replacement.
  *
  * @param[in] x  count; must be whole and in the support, max(0, n + r - N) to min(n, r)
- * @param[in] r  marked items in the population, truncated to 32 unsigned bits
- * @param[in] n  sample size, truncated
- * @param[in] N  population size, truncated
+ * @param[in] r  marked items in the population, at most N; a fraction is cut off
+ *                 towards zero, and beyond unsigned 32 bits the count wraps around
+ * @param[in] n  sample size, at most N, cut off likewise
+ * @param[in] N  population size, cut off likewise
  * @return P(X = x).
  * @par Failure
  * Throws std::domain_error: "Parameter r out of range ...", "Parameter n out of range ...", "Random variable out of
  * range ..." (not whole, negative, outside the support); boost::math::rounding_error for an x that no 32-bit integer
  * holds, a NaN too.
  * @par Method
- * By population: factorials up to 170, exact prime factorisation up to 104729, Lanczos above.
+ * By population: factorials up to 170 (relative error to 5e-16), exact prime factorisation up to 104729 (to 1.2e-16),
+ * the Lanczos approximation of C. Lanczos, SIAM J. Numer. Anal. 1 (1964) 86, above (about N machine epsilons: 2e-10
+ * at a million).
  */
 ORVANTH_API(double) HypergeometricPDF(double x, double r, double n, double N);
 
@@ -358,15 +366,17 @@ ORVANTH_API(double) HypergeometricPDF(double x, double r, double n, double N);
  * Cumulative probability of the count of marked items in a sample drawn without replacement.
  *
  * @param[in] x     count, as for HypergeometricPDF
- * @param[in] r     marked items in the population, truncated to 32 unsigned bits
- * @param[in] n     sample size, truncated
- * @param[in] N     population size, truncated
+ * @param[in] r     marked items in the population, at most N; a fraction is cut off
+ *                    towards zero, and beyond unsigned 32 bits the count wraps around
+ * @param[in] n     sample size, at most N, cut off likewise
+ * @param[in] N     population size, cut off likewise
  * @param[in] tail  clear: P(X <= x); set: P(X > x)
  * @return the probability, clamped to [0, 1]; 1 at the end of the support (upper tail 0).
  * @par Failure
  * As HypergeometricPDF: an x outside the support throws.
  * @par Method
- * Summation by the ratio of neighbouring probabilities, on the side of the mode that x is on.
+ * A sum of neighbouring probabilities, each stepped from the one before, away from the mode; the other tail is 1 minus
+ * it. The sum ends where a term falls to machine epsilon times the sum, or times 1 where it is taken from 1.
  */
 ORVANTH_API(double) HypergeometricCDF(double x, double r, double n, double N, TailFlag tail);
 
@@ -374,16 +384,19 @@ ORVANTH_API(double) HypergeometricCDF(double x, double r, double n, double N, Ta
  * Quantile of the count of marked items in a sample drawn without replacement, rounded up.
  *
  * @param[in] p     in [0, 1]
- * @param[in] r     marked items in the population, truncated to 32 unsigned bits
- * @param[in] n     sample size, truncated
- * @param[in] N     population size, truncated
+ * @param[in] r     marked items in the population, at most N; a fraction is cut off
+ *                    towards zero, and beyond unsigned 32 bits the count wraps around
+ * @param[in] n     sample size, at most N, cut off likewise
+ * @param[in] N     population size, cut off likewise
  * @param[in] tail  clear: the lower tail is p; set: the upper tail is p
  * @return the count; the lower end of the support at p = 0, the upper end at p = 1.
  * @par Failure
  * Throws std::domain_error: "Parameter r out of range ...", "Parameter n out of range ...", "Probability argument is
  * ...".
  * @par Method
- * A walk from the nearer end of the support; its length is that of the support.
+ * A walk from the lower end of the support for a lower tail up to 1/2, else from the upper end; probabilities that are
+ * 0 as doubles are skipped. A target within a slack of a step goes to the step above it: 50 machine epsilons for N up to
+ * 104729, 2 N of them beyond.
  */
 ORVANTH_API(double) HypergeometricICDF(double p, double r, double n, double N, TailFlag tail);
 

@@ -6,6 +6,7 @@
 
 #include "frame/policies.hpp"
 #include "orvanth/special.h"
+#include "special/inverse_beta_limits.hpp"
 
 namespace orvanth {
 
@@ -59,6 +60,17 @@ double DensityOutside(const char* function, double exponent) {
     return std::floor(exponent) == exponent && !std::isinf(exponent) ? RaiseOverflow(function) : kNaN;
 }
 
+// The power terms x^a (1 - x)^b / B(a, b) come first and are divided by x (1 - x) last: where they
+// are 0 or the quotient is in range, no 1/x on the way may overflow.
+double DensityInside(const char* function, double a, double b, double x) {
+    const double y = 1 - x;
+    const double terms = boost::math::detail::ibeta_power_terms(a, b, x, y, boost::math::lanczos::lanczos13m53(),
+                                                                true, DefaultPolicy());
+    if (terms == 0) return 0;
+    if (terms > x * y * kLargest) return RaiseOverflow(function);
+    return terms / (x * y);
+}
+
 bool IsPositive(double a) { return a > 0; }  // false for a NaN
 
 // Both inverses: the complement as the search carries it, which keeps its digits near x = 1.
@@ -107,7 +119,7 @@ double BetaDensity(double a, double b, double x) {
     // One power remains, without B(a, b): also exact where the general form rounds.
     if (b == 1) return Narrow(a * std::pow(x, a - 1), function);
     if (a == 1) return Narrow(b * std::pow(1 - x, b - 1), function);
-    return Narrow(boost::math::ibeta_derivative(a, b, x, DefaultPolicy()), function);
+    return Narrow(DensityInside(function, a, b, x), function);
 }
 
 double InverseBeta(double a, double b, double p, double* complement) {
@@ -147,6 +159,7 @@ double InverseBetaC(double a, double b, double q, double* complement) {
     const bool accepted = IsPositive(a) && IsPositive(b) && q >= 0 && q <= 1;
     return Invert(
         [&](double* y) {
+            if (accepted && q > 0 && q < 1 && IsBetaLimit(a, b)) return InverseBetaLimit(a, b, 1 - q, q, y);
             if (accepted) return boost::math::ibetac_inv(a, b, q, y, DefaultPolicy());
             *y = kNaN;
             return kNaN;

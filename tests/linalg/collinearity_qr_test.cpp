@@ -1,26 +1,9 @@
 #include "linalg/collinearity_qr.hpp"
 
 #include <array>
-#include <cstdlib>
-#include <new>
 
+#include "linalg/allocation_count.hpp"
 #include "linalg/matrices.hpp"
-
-namespace {
-// Allocations through operator new in this program.
-long allocations = 0;
-}  // namespace
-
-void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* block = std::malloc(size)) return block;
-    throw std::bad_alloc();
-}
-void* operator new[](std::size_t size) { return operator new(size); }
-void operator delete[](void* block) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
 namespace orvanth::test {
 namespace {
@@ -92,6 +75,16 @@ TEST(CollinearityQRStep, AccumulatedDowndatesAreJudgedAgainstTheLastExactNorm) {
     EXPECT_EQ(step.Run(-1), 0);
     EXPECT_EQ(step.vn1[1], 4);
     EXPECT_EQ(step.vn2[1], 4);
+}
+
+TEST(CollinearityQRStep, ANormOfZeroIsNeverUpdated) {
+    Matrix a(2, 2);
+    a(0, 0) = 1, a(1, 0) = 0, a(0, 1) = 3, a(1, 1) = 4;
+    Step step(a);
+    step.vn1[1] = 0;
+    EXPECT_EQ(step.Run(-1), 0);
+    EXPECT_EQ(step.vn1[1], 0);
+    EXPECT_EQ(step.vn2[1], 5);
 }
 
 TEST(CollinearityQRStep, LastRowLeavesNoNorm) {
@@ -216,6 +209,15 @@ TEST(CollinearityLeastSquares, WorkIsCheckedInBothRoutines) {
     for (std::size_t k = 0; k < 3; ++k) EXPECT_TRUE(IsRogue(f.work[k]));  // its first mn elements are left alone
 }
 
+TEST(CollinearityLeastSquares, WorkOfAWideMatrixGrowsWithItsColumns) {
+    // 1 + max(2, 4 + 1, 2) = 6; the second check then wants 1 + 13.
+    LeastSquares f;
+    EXPECT_EQ(f.Run(1, 4, 1, 4, 4, 5), -12);
+    EXPECT_EQ(f.Run(1, 4, 1, 4, 4, 6), -8);
+    EXPECT_EQ(f.Run(1, 4, 1, 4, 4, 13), -8);
+    EXPECT_EQ(f.Run(1, 4, 1, 4, 4, 14), -5);
+}
+
 TEST(CollinearityLeastSquares, QueryReturnsZeroAndChangesNothing) {
     LeastSquares f;
     const std::vector<double> before = f.a.storage;
@@ -232,9 +234,9 @@ TEST(OLS, PivotArrayIsTheOnlyAllocation) {
     FillRandom(a, random);
     FillRandom(b, random);
     double tau[10];
-    const long before = allocations;
+    const long before = AllocationCount();
     const int info = OLS(a.Data(), a.Descriptor(), b.Data(), b.Descriptor(), x.Data(), x.Descriptor(), tau, 1e-9);
-    EXPECT_EQ(allocations - before, 1);
+    EXPECT_EQ(AllocationCount() - before, 1);
     EXPECT_EQ(info, 0);
 }
 

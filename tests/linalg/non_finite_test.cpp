@@ -87,6 +87,14 @@ TEST_F(NonFinite, RejectedArgumentsAndShortWorkspaceOfAnSVDKeepTheirPlaceAhead) 
     EXPECT_EQ(tooLarge.Run(ThinSVD), -4);
 }
 
+TEST_F(NonFinite, RejectedLeadingDimensionIsNotFollowedThroughMemory) {
+    double a = 1, other = 0;
+    std::int32_t m = 0;
+    const MatrixDescriptor tall{0, 1, INT32_MAX / 2, 1}, wide{0, 1, 1, INT32_MAX / 2}, one{0, 1, 1, 1};
+    EXPECT_EQ(Rejected([&] { return FullSVD(&a, &tall, &other, &other, &one, &other, &one); }).info, -5);
+    EXPECT_EQ(Rejected([&] { return EigenSymmetric(&a, &wide, &other, &m, nullptr, &one); }).info, -6);
+}
+
 TEST_F(NonFinite, PaddingOfAnSVDsMatrixMayHoldAnything) {
     Matrix a(3, 3, 0, 4);
     FillRandom(a, random);

@@ -1,0 +1,150 @@
+#include "special/beta.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <random>
+#include <stdexcept>
+
+#include <boost/math/special_functions/beta.hpp>
+
+#include "frame/policies.hpp"
+#include "orvanth/special.h"
+#include "special/oracle.hpp"
+#include "support/call.hpp"
+
+namespace {
+
+using namespace orvanth;
+using orvanth::test::CallWithErrno;
+using orvanth::test::ThrownText;
+using orvanth::test::Wide;
+using orvanth::test::WorstUlps;
+
+constexpr unsigned kSeed = 20240124;
+constexpr const char* kIncomplete =
+    "Error in function boost::math::ibeta<long double>(long double, long double, long double): ";
+
+TEST(Beta, AZeroParameterThrowsAndTheRegularizedFormAnswers) {
+    EXPECT_EQ(ThrownText<std::domain_error>([] { Beta(0, 1); }),
+              "Error in function boost::math::beta<long double>(long double,long double): "
+              "The arguments to the beta function must be greater than zero (got a=0).");
+    EXPECT_EQ(BetaRegularized(0, 1, 0.5), 1);
+    EXPECT_EQ(BetaRegularizedC(0, 1, 0.5), 0);
+    EXPECT_EQ(BetaRegularized(1, 0, 0.5), 0);
+    EXPECT_EQ(BetaRegularizedC(1, 0, 0.5), 1);
+}
+
+TEST(Beta, MinusOneLeavesAsAnExceptionWithItsText) {
+    EXPECT_EQ(ThrownText<std::domain_error>([] { Beta(-1, 1); }).find("Error in function "), 0u);
+    EXPECT_EQ(
+        ThrownText<std::domain_error>([] { BetaRegularized(-1, 1, 0.5); }),
+        std::string(kIncomplete) + "The argument a to the incomplete beta function must be >= zero (got a=-1).");
+}
+
+TEST(Beta, BothParametersZeroNamesX) {
+    EXPECT_EQ(ThrownText<std::domain_error>([] { BetaRegularized(0, 0, 0.5); }),
+              std::string(kIncomplete) +
+                  "The arguments a and b to the incomplete beta function cannot both be zero, with x=0.5.");
+}
+
+TEST(BetaRegularized, XOutsideTheRangeIsSeenFirst) {
+    EXPECT_EQ(ThrownText<std::domain_error>([] { BetaRegularized(-1, 1, 1.5); }),
+              std::string(kIncomplete) +
+                  "Parameter x outside the range [0,1] in the incomplete beta function (got x=1.5).");
+}
+
+TEST(Beta, OverflowIsReportedByTheNarrowingCheck) {
+    EXPECT_EQ(ThrownText<std::overflow_error>([] { Beta(1e-310, 3); }),
+              "Error in function boost::math::beta<double>(double,double): numeric overflow");
+}
+
+TEST(BetaDerivative, AtTheEnds) {
+    EXPECT_DOUBLE_EQ(BetaDerivative(1, 3, 0), 3);
+    EXPECT_EQ(BetaDerivative(2, 3, 0), 0);
+    const auto pole = CallWithErrno(0, [] { return BetaDerivative(0.5, 3, 0); });
+    EXPECT_EQ(pole.value, kInfinity);
+    EXPECT_EQ(pole.errnoAfter, 34);
+    EXPECT_EQ(BetaDerivative(3, 2, 1), 0);
+    EXPECT_DOUBLE_EQ(BetaDerivative(3, 1, 1), 3);
+}
+
+TEST(BetaDerivative, ABadParameterIsNotedAndTheCalculationGoesOn) {
+    EXPECT_EQ(CallWithErrno(0, [] { return BetaDerivative(-1, 2, 0.5); }).errnoAfter, 33);
+    // At x = 0 the later step overwrites the note: the calculation did go on.
+    const auto call = CallWithErrno(0, [] { return BetaDerivative(-1, 2, 0); });
+    EXPECT_EQ(call.value, kInfinity);
+    EXPECT_EQ(call.errnoAfter, 34);
+}
+
+TEST(InverseBeta, ThePlainFormStopsAndTheComplementFormGoesOn) {
+    double result = -5, complement = -5;
+    const auto call = CallWithErrno(0, [] { return InverseBetaRegularized(-1, 1, 0.5); });
+    EXPECT_TRUE(std::isnan(call.value));
+    EXPECT_EQ(call.errnoAfter, 33);
+    InverseBetaRegularized2(-1, 1, 0.5, &result, &complement);
+    EXPECT_TRUE(std::isnan(result));
+    EXPECT_EQ(complement, -5);
+    EXPECT_EQ(CallWithErrno(0, [] { return InverseBetaRegularizedC(-1, 1, 0.5); }).errnoAfter, 33);
+    InverseBetaRegularizedC2(-1, 1, 0.5, &result, &complement);
+    EXPECT_NE(complement, -5);
+}
+
+TEST(InverseBeta, UniformIsExactAndANullComplementIsAccepted) {
+    EXPECT_EQ(InverseBetaRegularized(1, 1, 0.3), 0.3);
+    double result = 0;
+    InverseBetaRegularized2(2, 3, 0.4, &result, nullptr);
+    EXPECT_EQ(result, InverseBetaRegularized(2, 3, 0.4));
+    InverseBetaRegularizedC2(2, 3, 0.4, &result, nullptr);
+    EXPECT_EQ(result, InverseBetaRegularizedC(2, 3, 0.4));
+}
+
+TEST(InverseBeta, TheComplementKeepsItsDigitsNearOne) {
+    double x = 0, y = 0;
+    InverseBetaRegularized2(5, 0.5, 0.99999, &x, &y);
+    EXPECT_GT(y, 0);
+    EXPECT_NEAR(BetaRegularized(0.5, 5, y) / 1e-5, 1, 1e-9);
+}
+
+TEST(Beta, AgreesWithFiftyDigits) {
+    std::mt19937_64 random(kSeed);
+    std::uniform_real_distribution<double> exponent(-2, 2.3), unit(0.001, 0.999);
+    WorstUlps beta("Beta", 360), lower("BetaRegularized", 400), upper("BetaRegularizedC", 400),
+        density("BetaDerivative", 400);
+    for (int i = 0; i < 1200; ++i) {
+        const double a = std::pow(10, exponent(random)), b = std::pow(10, exponent(random)), x = unit(random);
+        beta.Add(Beta(a, b), boost::math::beta(Wide(a), Wide(b)), a, b);
+        const Wide p = boost::math::ibeta(Wide(a), Wide(b), Wide(x)),
+                   q = boost::math::ibetac(Wide(a), Wide(b), Wide(x));
+        if (p > 1e-290) lower.Add(BetaRegularized(a, b, x), p, a, b, x);
+        if (q > 1e-290) upper.Add(BetaRegularizedC(a, b, x), q, a, b, x);
+        const Wide d = boost::math::ibeta_derivative(Wide(a), Wide(b), Wide(x));
+        if (d > 1e-290) density.Add(BetaDerivative(a, b, x), d, a, b, x);
+    }
+}
+
+TEST(Beta, InversesInvert) {
+    std::mt19937_64 random(kSeed);
+    std::uniform_real_distribution<double> exponent(-0.7, 3), probability(1e-5, 1 - 1e-5);
+    for (int i = 0; i < 3000; ++i) {
+        const double a = std::pow(10, exponent(random)), b = std::pow(10, exponent(random)), p = probability(random);
+        const double x = InverseBetaRegularized(a, b, p);
+        if (x < 1e-290 || x > 1 - 1e-9) continue;
+        EXPECT_NEAR(BetaRegularized(a, b, x), p, 1e-9) << "seed " << kSeed << " " << a << " " << b << " " << p;
+        EXPECT_NEAR(InverseBetaRegularizedC(a, b, 1 - p), x, 1e-9) << a << " " << b << " " << p;
+    }
+}
+
+TEST(Beta, SymmetryOfTheTails) {
+    std::mt19937_64 random(kSeed);
+    std::uniform_real_distribution<double> exponent(-2, 3);
+    for (int i = 0; i < 3000; ++i) {
+        const double a = std::pow(10, exponent(random)), b = std::pow(10, exponent(random));
+        const double x = static_cast<double>(random() % 1023 + 1) / 1024;  // 1 - x is exact
+        EXPECT_NEAR(BetaRegularized(a, b, x), BetaRegularizedC(b, a, 1 - x), 1e-13) << a << " " << b << " " << x;
+        EXPECT_NEAR(BetaRegularized(a, b, x) + BetaRegularizedC(a, b, x), 1, 1e-13) << a << " " << b << " " << x;
+    }
+}
+
+}  // namespace
