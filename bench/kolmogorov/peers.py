@@ -51,24 +51,31 @@ def r_times():
     return {(int(float(n)), float(p)): float(t) for n, p, t in map(str.split, output.splitlines())}
 
 
+def shown(figure):
+    """Three figures, without an exponent."""
+    if figure is None:
+        return ""
+    return f"{figure:.0f}" if figure >= 100 else f"{figure:.3g}"
+
+
 def main(arguments):
     if len(arguments) != 1:
         print(__doc__, file=sys.stderr)
         return 2
     own, r = own_times(arguments[0]), r_times()
-    tables = (("P(D <= x)", "Tail/lower", kstwo.cdf, r), ("P(D > x)", "Tail/upper", kstwo.sf, {}),
-              ("x with P(D <= x) = p", "Quantile/lower", kstwo.ppf, {}),
-              ("x with P(D > x) = 1 - p", "Quantile/upper", kstwo.isf, {}))
-    for title, name, peer, second in tables:
-        print(f"\n{title}\n\n| n | p | here | SciPy | R | ratio |\n|---|---|---|---|---|---|")
+    for title, tail, probability, quantile, second in (
+            ("Lower tail: P(D <= x), and the x where it is p", "lower", kstwo.cdf, kstwo.ppf, r),
+            ("Upper tail: P(D > x), and the x where it is 1 - p", "upper", kstwo.sf, kstwo.isf, {})):
+        print(f"\n{title}\n\n| n | p | P here | SciPy | R | ratio | x here | SciPy | ratio |\n" + "|---" * 9 + "|")
         for n, p in GRID:
-            at = 1 - p if peer is kstwo.isf else p if peer is kstwo.ppf else kstwo.ppf(p, n)
-            mine = own[f"{name}/n:{n}/p:{PROBABILITIES.index(p)}"]
-            theirs = processor_time(lambda: peer(at, n))
-            other = second.get((n, p))
-            best = min(theirs, other) if other else theirs
-            shown = f"{other:.3g}" if other else ""
-            print(f"| {n} | {p} | {mine:.3g} | {theirs:.3g} | {shown} | {best / mine:.3g} |", flush=True)
+            row = f"n:{n}/p:{PROBABILITIES.index(p)}"
+            x, argument = kstwo.ppf(p, n), p if tail == "lower" else 1 - p
+            tails = [processor_time(lambda: probability(x, n)), second.get((n, p))]
+            points = processor_time(lambda: quantile(argument, n))
+            here, here_x = own[f"Tail/{tail}/{row}"], own[f"Quantile/{tail}/{row}"]
+            ratio = min(t for t in tails if t) / here
+            figures = [here, *tails, ratio, here_x, points, points / here_x]
+            print(f"| {n} | {p} | " + " | ".join(shown(f) for f in figures) + " |", flush=True)
     return 0
 
 
