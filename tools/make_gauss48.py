@@ -35,7 +35,7 @@ def bracketed(function, low, high):
 
 def positive_roots(function, top):
     """The positive roots in descending order, found by scanning for changes of sign."""
-    cells, roots = 20000, []
+    cells, roots = 1500, []
     before = function(mp.mpf(0))[0]
     for i in range(1, cells + 1):
         x = top * i / cells

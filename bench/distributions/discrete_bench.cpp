@@ -122,6 +122,7 @@ ROW(OverPopulations, HypergeometricICDF_Rmath, qhyper(a.probability, a.r, a.N - 
 #endif
 
 #ifdef BENCH_GSL
+const auto kQuiet = gsl_set_error_handler_off();
 unsigned Cut(double count) { return static_cast<unsigned>(count); }
 ROW(OverTrials, BinomialPDF_GSL, gsl_ran_binomial_pdf(Cut(a.k), a.p, Cut(a.n)));
 ROW(OverTrials, BinomialCDF_GSL, gsl_cdf_binomial_P(Cut(a.k), a.p, Cut(a.n)));

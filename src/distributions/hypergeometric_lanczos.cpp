@@ -3,10 +3,10 @@
 // The powers are combined before they are taken, larger exponents reduced by smaller ones, so that
 // neither overflow nor underflow comes up on the way. The order of the operations is that of
 // Boost.Math's own Lanczos form of this probability, because its digits are kept, errors included.
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include <boost/math/special_functions/lanczos.hpp>
 
@@ -24,6 +24,9 @@ constexpr double kSmallest = std::numeric_limits<double>::min();
 // populations are beyond a million and the form keeps ten digits at best, by one power: the loop
 // would take seconds for small counts in a large population.
 constexpr double kMostProducts = 0x1p20;
+
+// Most quotients of two exponents are small, and found faster by counting than by a division.
+constexpr double kFewTimes = 4;
 
 // (base e^eFactor)^exponent
 struct Power {
@@ -46,8 +49,9 @@ public:
     PowerList(std::int64_t x, const HypergeometricCounts& c)
         : powers_{Above(c.n), Above(c.r),     Above(c.N - c.n), Above(c.N - c.r),          Below(c.N),
                   Below(x),   Below(c.n - x), Below(c.r - x),   Below(c.N - c.n - c.r + x)} {
-        for (auto at = powers_.begin(); at != powers_.end(); ++at)
-            std::rotate(std::upper_bound(powers_.begin(), at, *at, IsLarger), at, at + 1);
+        for (std::size_t i = 1; i < powers_.size(); ++i)
+            for (std::size_t j = i; j > 0 && IsLarger(powers_[j], powers_[j - 1]); --j)
+                std::swap(powers_[j], powers_[j - 1]);
     }
 
     // The product of all powers; 0 where it is below the normal range.
@@ -74,7 +78,9 @@ private:
     bool ReduceLargest() {
         Power& first = powers_[0];
         Power& second = powers_[1];
-        const double times = std::max(1.0, std::ceil(first.exponent / second.exponent) - 1);
+        double times = 1;
+        while (times < kFewTimes && first.exponent > (times + 1) * second.exponent) ++times;
+        if (times == kFewTimes) times = std::ceil(first.exponent / second.exponent) - 1;
         first.exponent -= times * second.exponent;
         second.eFactor += times * first.eFactor;
         if (times <= kMostProducts)

@@ -1,5 +1,7 @@
 #include <array>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 
 #include <boost/math/special_functions/factorials.hpp>
 
@@ -59,6 +61,26 @@ private:
     int exponent_ = 0;
 };
 
+// The factorials with digits and exponent apart: products of a few stay in range without a look at
+// their size.
+struct SplitNumber {
+    double digits;
+    int exponent;
+};
+
+constexpr SplitNumber Split(double number) {  // positive and normal
+    constexpr std::uint64_t kDigits = 0x000FFFFFFFFFFFFF;
+    constexpr std::uint64_t kOne = 0x3FF0000000000000;
+    const auto bits = std::bit_cast<std::uint64_t>(number);
+    return {std::bit_cast<double>((bits & kDigits) | kOne), static_cast<int>(bits >> 52) - 1023};
+}
+
+constexpr auto kFactorials = [] {
+    std::array<SplitNumber, kLargestFactorialPopulation + 1> table{};
+    for (unsigned k = 0; k < table.size(); ++k) table[k] = Split(boost::math::unchecked_factorial<double>(k));
+    return table;
+}();
+
 // Factors gathered in an exact double before they go into the long product.
 class FactorList {
 public:
@@ -109,21 +131,19 @@ private:
 }  // namespace
 
 double ProbabilityByFactorials(std::int64_t x, const HypergeometricCounts& c) {
-    const auto factorial = [](std::int64_t k) {
-        return boost::math::unchecked_factorial<double>(static_cast<unsigned>(k));
-    };
-    const std::array<double, 4> above = {factorial(c.n), factorial(c.r), factorial(c.N - c.n), factorial(c.N - c.r)};
-    const std::array<double, 5> below = {factorial(c.N), factorial(x), factorial(c.n - x), factorial(c.r - x),
-                                         factorial(c.N - c.n - c.r + x)};
-    // Multiplied while small and divided while large, so that the way there stays in range.
-    double result = above[0];
-    std::size_t i = 1;
-    std::size_t j = 0;
-    while (i < above.size() || j < below.size()) {
-        while (j < below.size() && (result >= 1 || i >= above.size())) result /= below[j++];
-        while (i < above.size() && (result <= 1 || j >= below.size())) result *= above[i++];
+    const auto factorial = [](std::int64_t k) { return kFactorials[static_cast<std::size_t>(k)]; };
+    double above = 1;
+    double below = 1;
+    int exponent = 0;
+    for (const std::int64_t k : {c.n, c.r, c.N - c.n, c.N - c.r}) {
+        above *= factorial(k).digits;
+        exponent += factorial(k).exponent;
     }
-    return result;
+    for (const std::int64_t k : {c.N, x, c.n - x, c.r - x, c.N - c.n - c.r + x}) {
+        below *= factorial(k).digits;
+        exponent -= factorial(k).exponent;
+    }
+    return std::ldexp(above / below, exponent);
 }
 
 double ProbabilityByPrimes(std::int64_t x, const HypergeometricCounts& c) {

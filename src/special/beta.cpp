@@ -73,6 +73,13 @@ double DensityInside(const char* function, double a, double b, double x) {
 
 bool IsPositive(double a) { return a > 0; }  // false for a NaN
 
+// The search cannot start from a denormal probability where a parameter is large. There the result
+// does not tell it from the smallest normal one.
+double Searchable(double p, double a, double b) {
+    constexpr double smallest = std::numeric_limits<double>::min();
+    return p > 0 && p < smallest && std::fmax(a, b) > 100 ? smallest : p;
+}
+
 // Both inverses: the complement as the search carries it, which keeps its digits near x = 1.
 template <class Inverse>
 double Invert(Inverse inverse, const char* function, double* complement) {
@@ -138,8 +145,12 @@ double InverseBeta(double a, double b, double p, double* complement) {
         return RaiseDomain(
             function, "Argument p outside the range [0,1] in the incomplete beta function inverse (got p=%1%).", p);
     if (std::isnan(a) || std::isnan(b) || std::isnan(p)) return kNaN;
-    return Invert([&](double* y) { return boost::math::ibeta_inv(a, b, p, y, DefaultPolicy()); }, function,
-                  complement);
+    return Invert(
+        [&](double* y) {
+            if (p > 0 && p < 1 && IsBetaLimit(a, b)) return InverseBetaLimit(a, b, p, 1 - p, y);
+            return boost::math::ibeta_inv(a, b, Searchable(p, a, b), y, DefaultPolicy());
+        },
+        function, complement);
 }
 
 double InverseBetaC(double a, double b, double q, double* complement) {
@@ -160,7 +171,7 @@ double InverseBetaC(double a, double b, double q, double* complement) {
     return Invert(
         [&](double* y) {
             if (accepted && q > 0 && q < 1 && IsBetaLimit(a, b)) return InverseBetaLimit(a, b, 1 - q, q, y);
-            if (accepted) return boost::math::ibetac_inv(a, b, q, y, DefaultPolicy());
+            if (accepted) return boost::math::ibetac_inv(a, b, Searchable(q, a, b), y, DefaultPolicy());
             *y = kNaN;
             return kNaN;
         },
