@@ -1,6 +1,9 @@
-// KolmogorovCDF and KolmogorovICDF over sample size and probability. The peers' times on the same
-// machine: bench/kolmogorov/peers.py.
+// KolmogorovCDF and KolmogorovICDF over sample size and probability, in both tails. Beside the peers
+// of the same run: bench/kolmogorov/peers.py.
 #include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <vector>
 
 #include "orvanth/kolmogorov.h"
 
@@ -8,25 +11,29 @@ namespace {
 
 constexpr double kProbabilities[] = {0.01, 0.5, 0.95, 0.999};
 
-void Cumulative(benchmark::State& state) {
+// The point whose lower probability is that of the row, moved a little from call to call.
+void Tail(benchmark::State& state, std::int32_t complement) {
     const double n = static_cast<double>(state.range(0));
     const double x = KolmogorovICDF(kProbabilities[state.range(1)], n, 0);
     double step = 0;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(KolmogorovCDF(x * (1 + 1e-9 * step), n, 0));
+        benchmark::DoNotOptimize(KolmogorovCDF(x * (1 + 1e-9 * step), n, complement));
         step = step < 7 ? step + 1 : 0;
     }
 }
 
-void Quantile(benchmark::State& state) {
+void Quantile(benchmark::State& state, std::int32_t complement) {
     const double n = static_cast<double>(state.range(0));
-    const double p = kProbabilities[state.range(1)];
-    for (auto _ : state) benchmark::DoNotOptimize(KolmogorovICDF(p, n, 0));
+    const double lower = kProbabilities[state.range(1)];
+    const double p = complement != 0 ? 1 - lower : lower;
+    for (auto _ : state) benchmark::DoNotOptimize(KolmogorovICDF(p, n, complement));
 }
 
 const std::vector<std::vector<std::int64_t>> kGrid = {{10, 100, 1000, 100000, 1000000}, {0, 1, 2, 3}};
 
-BENCHMARK(Cumulative)->ArgsProduct(kGrid)->ArgNames({"n", "p"});
-BENCHMARK(Quantile)->ArgsProduct(kGrid)->ArgNames({"n", "p"});
+BENCHMARK_CAPTURE(Tail, lower, 0)->ArgsProduct(kGrid)->ArgNames({"n", "p"});
+BENCHMARK_CAPTURE(Tail, upper, 1)->ArgsProduct(kGrid)->ArgNames({"n", "p"});
+BENCHMARK_CAPTURE(Quantile, lower, 0)->ArgsProduct(kGrid)->ArgNames({"n", "p"});
+BENCHMARK_CAPTURE(Quantile, upper, 1)->ArgsProduct(kGrid)->ArgNames({"n", "p"});
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "frame/platform.hpp"
+#include "kolmogorov/lanes.hpp"
 
 namespace orvanth::kolmogorov {
 
@@ -18,60 +19,73 @@ std::size_t Area(std::int32_t m) { return static_cast<std::size_t>(m) * static_c
 
 double Central(const double* V, std::int32_t m) { return V[(m / 2) * m + m / 2]; }
 
-// The matrix whose n-th power holds the probability.
-std::vector<double> Build(std::int32_t m, double h) {
-    std::vector<double> H(Area(m));
-    const auto at = [&](std::int32_t i, std::int32_t j) -> double& { return H[static_cast<std::size_t>(i * m + j)]; };
+// The matrix whose n-th power holds the probability, into m * m elements.
+void Build(std::int32_t m, double h, double* H) {
+    const auto at = [&](std::int32_t i, std::int32_t j) -> double& { return H[i * m + j]; };
     for (std::int32_t i = 0; i < m; ++i)
         for (std::int32_t j = 0; j < m; ++j) at(i, j) = i - j + 1 >= 0 ? 1.0 : 0.0;
     for (std::int32_t i = 0; i < m; ++i) {
-        at(i, 0) -= std::pow(h, i + 1);
-        at(m - 1, i) -= std::pow(h, m - i);
+        const double power = std::pow(h, i + 1);
+        at(i, 0) -= power;
+        at(m - 1, m - 1 - i) -= power;
     }
     const double b = 2.0 * h - 1.0;
     if (b > 0) at(m - 1, 0) += std::pow(b, m);
-    // One division at a time: a precomputed factorial would round otherwise.
-    for (std::int32_t i = 0; i < m; ++i)
-        for (std::int32_t j = 0; j < m && i - j + 1 > 0; ++j)
-            for (std::int32_t g = 1; g <= i - j + 1; ++g) at(i, j) /= g;
-    return H;
-}
-
-// Columns of a block of the product, kept in registers.
-constexpr std::int32_t kLanes = 8;
-
-// Two rows by one block of columns: each element starts at 0.0 and is summed in ascending order of
-// the inner index, hence has the bits of the plain triple loop. Row lengths of B are `stride`, which
-// covers whole blocks; what stands in B beyond column m reaches no element that is used.
-ORVANTH_VECTOR_CLONES
-void MultiplyBlocks(const double* A, const double* B, double* C, std::int32_t m, std::int32_t stride) {
-    for (std::int32_t i = 0; i < m; i += 2) {
-        const double* const upper = A + i * m;
-        const double* const lower = i + 1 < m ? upper + m : upper;
-        for (std::int32_t j = 0; j < m; j += kLanes) {
-            double sums[2][kLanes] = {};
-            for (std::int32_t k = 0; k < m; ++k) {
-                const double* const other = B + k * stride + j;
-                const double first = upper[k], second = lower[k];
-                for (std::int32_t lane = 0; lane < kLanes; ++lane) {
-                    sums[0][lane] += first * other[lane];
-                    sums[1][lane] += second * other[lane];
-                }
-            }
-            const std::int32_t lanes = std::min(kLanes, m - j);
-            std::copy(sums[0], sums[0] + lanes, C + i * m + j);
-            if (i + 1 < m) std::copy(sums[1], sums[1] + lanes, C + (i + 1) * m + j);
-        }
+    // One division at a time: a precomputed factorial would round otherwise. Inside, all elements of
+    // a diagonal are 1.0 before and thus alike after.
+    const auto divide = [](double element, std::int32_t last) {
+        for (std::int32_t g = 1; g <= last; ++g) element /= g;
+        return element;
+    };
+    for (std::int32_t i = 0; i < m; ++i) at(i, 0) = divide(at(i, 0), i + 1);
+    for (std::int32_t j = 1; j < m; ++j) at(m - 1, j) = divide(at(m - 1, j), m - j);
+    double inverse = 1.0;
+    for (std::int32_t distance = 1; distance < m; ++distance) {
+        inverse /= distance;
+        for (std::int32_t i = distance, j = 1; i < m - 1; ++i, ++j) at(i, j) = inverse;
     }
 }
 
 }  // namespace
 
+namespace {
+
+// A tile of C: four rows from i, kLanes * vectors columns from j. Its sums stay in registers.
+template <int vectors>
+[[gnu::always_inline]] inline void MultiplyTile(const double* A, const double* B, double* C, std::int32_t m,
+                                                std::int32_t i, std::int32_t j) {
+    Lanes sum[4][vectors] = {};
+    const double* const rows = A + i * m;
+    for (std::int32_t k = 0; k < m; ++k) {
+        const Lanes* const b = reinterpret_cast<const Lanes*>(B + k * m + j);
+        for (std::int32_t r = 0; r < 4; ++r)
+            for (int v = 0; v < vectors; ++v) sum[r][v] += rows[r * m + k] * b[v];
+    }
+    for (std::int32_t r = 0; r < 4; ++r)
+        for (int v = 0; v < vectors; ++v) reinterpret_cast<Lanes*>(C + (i + r) * m + j)[v] = sum[r][v];
+}
+
+}  // namespace
+
+// In tiles, each element still summed from 0.0 in ascending order: the bits of the plain triple loop.
+// At the far edges the last tile moves back and makes some elements again.
+ORVANTH_VECTOR_CLONES
 void MatrixMultiply(const double* A, const double* B, double* C, std::int32_t m) {
-    const std::int32_t stride = (m + kLanes - 1) / kLanes * kLanes;
-    std::vector<double> padded(static_cast<std::size_t>(stride) * static_cast<std::size_t>(m));
-    for (std::int32_t k = 0; k < m; ++k) std::copy(B + k * m, B + (k + 1) * m, padded.data() + k * stride);
-    MultiplyBlocks(A, padded.data(), C, m, stride);
+    if (m < kLanes) {
+        for (std::int32_t i = 0; i < m; ++i)
+            for (std::int32_t j = 0; j < m; ++j) {
+                double sum = 0.0;
+                for (std::int32_t k = 0; k < m; ++k) sum += A[i * m + k] * B[k * m + j];
+                C[i * m + j] = sum;
+            }
+        return;
+    }
+    for (std::int32_t top = 0; top < m; top += 4) {
+        const std::int32_t i = std::min(top, m - 4);
+        std::int32_t j = 0;
+        for (; j + 2 * kLanes <= m; j += 2 * kLanes) MultiplyTile<2>(A, B, C, m, i, j);
+        for (; j < m; j += kLanes) MultiplyTile<1>(A, B, C, m, i, std::min(j, m - kLanes));
+    }
 }
 
 void MatrixRenormalize(double* V, std::int32_t m, std::int32_t* e) {
@@ -79,25 +93,34 @@ void MatrixRenormalize(double* V, std::int32_t m, std::int32_t* e) {
     *e += kLargeExponent;
 }
 
-void MatrixPower(const double* A, std::int32_t eA, double* V, std::int32_t* eV, std::int32_t m, std::int32_t n) {
+namespace {
+
+// The levels of the recursion use the one B in turn, each after the level below it is done.
+void Power(const double* A, std::int32_t eA, double* V, std::int32_t* eV, std::int32_t m, std::int32_t n, double* B) {
     if (n == 1) {
         std::copy(A, A + Area(m), V);
         *eV = eA;
         return;
     }
-    MatrixPower(A, eA, V, eV, m, n / 2);
-    std::vector<double> B(Area(m));
-    MatrixMultiply(V, V, B.data(), m);
+    Power(A, eA, V, eV, m, n / 2, B);
+    MatrixMultiply(V, V, B, m);
     std::int32_t eB = 2 * *eV;
-    if (Central(B.data(), m) > kLarge) MatrixRenormalize(B.data(), m, &eB);
+    if (Central(B, m) > kLarge) MatrixRenormalize(B, m, &eB);
     if (n % 2 == 0) {
-        std::copy(B.begin(), B.end(), V);
+        std::copy(B, B + Area(m), V);
         *eV = eB;
     } else {
-        MatrixMultiply(A, B.data(), V, m);
+        MatrixMultiply(A, B, V, m);
         *eV = eA + eB;
     }
     if (Central(V, m) > kLarge) MatrixRenormalize(V, m, eV);
+}
+
+}  // namespace
+
+void MatrixPower(const double* A, std::int32_t eA, double* V, std::int32_t* eV, std::int32_t m, std::int32_t n) {
+    std::vector<double> B(Area(m));
+    Power(A, eA, V, eV, m, n, B.data());
 }
 
 double DurbinMatrix(std::int32_t n, double x) {
@@ -105,11 +128,13 @@ double DurbinMatrix(std::int32_t n, double x) {
     const double t = nd * x;
     const std::int32_t k = static_cast<std::int32_t>(t) + 1;
     const std::int32_t m = 2 * k - 1;
-    const std::vector<double> H = Build(m, k - t);
-    std::vector<double> Q(Area(m));
+    std::vector<double> block(3 * Area(m));
+    double* const H = block.data();
+    double* const Q = H + Area(m);
+    Build(m, k - t, H);
     std::int32_t eQ = 0;
-    MatrixPower(H.data(), 0, Q.data(), &eQ, m, n);
-    double s = Q[static_cast<std::size_t>((k - 1) * m + k - 1)];
+    Power(H, 0, Q, &eQ, m, n, Q + Area(m));
+    double s = Q[(k - 1) * m + k - 1];
     for (std::int32_t i = 1; i <= n; ++i) {
         s = (i * s) / nd;
         if (s < 1e-140) {

@@ -41,7 +41,8 @@ struct KolmogorovRootFunction {
     }
 };
 
-// No x reaches p, so the walk would double or halve to its cap without a change of sign.
+// No x reaches p, so the walk would double or halve to its cap without a change of sign. It is not
+// taken: this Boost's walk speeds up on the way, and reaches 0, where it answers, before its cap.
 double RaiseUnbracketed(const KolmogorovRootFunction& function, double start) {
     const bool up = function.complement ? function.p < 0 : function.p > 1;
     const double last = std::ldexp(start, up ? kEvaluations - 1 : 1 - kEvaluations);

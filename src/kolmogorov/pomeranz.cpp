@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "frame/platform.hpp"
+#include "kolmogorov/lanes.hpp"
 #include "kolmogorov/log_factorial.hpp"
 
 namespace orvanth::kolmogorov {
@@ -17,50 +18,35 @@ namespace {
 constexpr std::int32_t kScaleBits = 350;
 constexpr double kStepTolerance = 1e-15;
 
-// Lanes of a block of the convolution, kept in registers; rows of steps have as many zeros before
-// and after them.
-constexpr std::int32_t kLanes = 16;
-
 // next[j] for j = jlow..jup: the sum of before[k] * step[j - k] over k from min(kup, j) down to klow,
-// in that order from 0.0. All lanes of a block take every k: where k > j the step is a zero, and the
-// sum stays 0.0.
+// in that order and from 0.0, hence the same bits as one sum after the other: a lane whose turn has not
+// come meets a step of 0.0, which adds nothing. Up to kBlock - 1 elements past jup are overwritten, and
+// as many steps on either side are read.
+constexpr std::int32_t kBlock = 2 * kLanes;
+
 ORVANTH_VECTOR_CLONES
 void Convolve(const double* before, const double* step, double* next, std::int32_t jlow, std::int32_t jup,
               std::int32_t klow, std::int32_t kup) {
-    for (std::int32_t first = jlow; first <= jup; first += kLanes) {
-        double sums[kLanes] = {};
-        for (std::int32_t k = std::min(kup, std::min(jup, first + kLanes - 1)); k >= klow; --k) {
-            const double factor = before[k];
-            const double* const shifted = step + (first - k);
-            for (std::int32_t lane = 0; lane < kLanes; ++lane) sums[lane] += factor * shifted[lane];
+    for (std::int32_t j = jlow; j <= jup; j += kBlock) {
+        Lanes low = {}, high = {};
+        for (std::int32_t k = std::min(kup, j + kBlock - 1); k >= klow; --k) {
+            const Lanes* const steps = reinterpret_cast<const Lanes*>(step + (j - k));
+            low += before[k] * steps[0];
+            high += before[k] * steps[1];
         }
-        const std::int32_t lanes = std::min(kLanes, jup - first + 1);
-        for (std::int32_t lane = 0; lane < lanes; ++lane) next[first + lane] = sums[lane];
+        Lanes* const sums = reinterpret_cast<Lanes*>(next + j);
+        sums[0] = low;
+        sums[1] = high;
     }
 }
 
-// The steps between neighbouring boundary points have three lengths, or none: row r holds q^j / j!.
-class Steps {
-public:
-    Steps(std::int32_t n, double a2) : stride_(static_cast<std::size_t>(n) + 2 + 2 * kLanes), values_(4 * stride_) {
-        const double lengths[3] = {(2.0 * a2) / n, (1.0 - 2.0 * a2) / n, a2 / n};
-        for (std::size_t r = 0; r < 4; ++r) Row(r)[0] = 1.0;
-        for (std::size_t r = 0; r < 3; ++r)
-            for (std::int32_t j = 1; j <= n + 1; ++j) Row(r)[j] = (Row(r)[j - 1] * lengths[r]) / j;
-    }
-    double* Row(std::size_t r) { return values_.data() + r * stride_ + kLanes; }
-
-    // The row whose first power is the length w.
-    const double* RowOfLength(double w) {
-        std::size_t r = 0;
-        while (r < 3 && !(std::fabs(w - Row(r)[1]) <= kStepTolerance)) ++r;
-        return Row(r);
-    }
-
-private:
-    std::size_t stride_;
-    std::vector<double> values_;
-};
+// True if one of them calls for scaling.
+ORVANTH_VECTOR_CLONES
+bool AnyBelow(const double* first, const double* last, double limit) {
+    int below = 0;
+    for (; first < last; ++first) below |= *first < limit;
+    return below != 0;
+}
 
 }  // namespace
 
@@ -68,19 +54,17 @@ void CalcFloorCeil(std::int32_t n, double t, double* A, double* Atflo, double* A
     const std::int32_t ell = static_cast<std::int32_t>(t);
     double z = t - ell;
     const double w = std::ceil(t) - t;
+    struct Offsets {
+        std::int32_t floor, ceiling;
+    };
+    const Offsets even = z > 0.5   ? Offsets{-ell - 2, ell}
+                         : z > 0.0 ? Offsets{-ell - 1, ell}
+                                   : Offsets{-ell - 1, ell - 1};
+    const Offsets odd = z > 0.5 ? Offsets{-ell - 1, ell + 1} : z > 0.0 ? Offsets{-ell - 1, ell} : Offsets{-ell, ell};
     for (std::int32_t i = 1; i <= 2 * n + 2; ++i) {
-        const std::int32_t half = i / 2;
-        const bool odd = i % 2 != 0;
-        if (z > 0.5) {
-            Atflo[i] = half - ell - (odd ? 1 : 2);
-            Atcei[i] = half + ell + (odd ? 1 : 0);
-        } else if (z > 0.0) {
-            Atflo[i] = half - ell - 1;
-            Atcei[i] = half + ell;
-        } else {
-            Atflo[i] = half - ell - (odd ? 0 : 1);
-            Atcei[i] = half + ell - (odd ? 0 : 1);
-        }
+        const Offsets& offsets = i % 2 == 0 ? even : odd;
+        Atflo[i] = i / 2 + offsets.floor;
+        Atcei[i] = i / 2 + offsets.ceiling;
     }
     if (z > 0.0 && z <= 0.5) Atcei[1] = ell + 1;
     if (z > w) z = w;
@@ -94,29 +78,42 @@ void CalcFloorCeil(std::int32_t n, double t, double* A, double* Atflo, double* A
 double Pomeranz(std::int32_t n, double x) {
     const double scale = std::ldexp(1.0, kScaleBits);
     const double t = n * x;
+    // j - k stays within twice the statistic, so the rows of steps need not be n + 2 long.
+    const std::int32_t reach = std::min(n + 1, 2 * static_cast<std::int32_t>(t) + 3);
     const std::size_t points = 2 * static_cast<std::size_t>(n) + 3;
-    const std::size_t width = static_cast<std::size_t>(n) + 2;
-    std::vector<double> A(points), Atflo(points), Atcei(points), V(2 * width);
-    CalcFloorCeil(n, t, A.data(), Atflo.data(), Atcei.data());
-    Steps steps(n, A[2]);
+    const std::size_t width = static_cast<std::size_t>(n + 2 + kBlock);
+    const std::size_t stepWidth = static_cast<std::size_t>(reach + 1 + 2 * kBlock);
+    // One block of zeros: A, Atflo, Atcei, two rows of V, and four rows of steps between zeros.
+    std::vector<double> block(3 * points + 2 * width + 4 * stepWidth);
+    double* const A = block.data();
+    double* const Atflo = A + points;
+    double* const Atcei = Atflo + points;
+    double* before = Atcei + points;
+    double* next = before + width;
+    double* const steps = next + width + kBlock;
+    CalcFloorCeil(n, t, A, Atflo, Atcei);
 
-    double* before = V.data() + width;
-    double* next = V.data();
-    next[1] = 0.0;
-    before[1] = scale;
-    std::swap(before, next);  // swapped back at the first step
+    // The steps between neighbouring boundary points have three lengths, or none: row r holds q^j / j!.
+    const double lengths[3] = {(2.0 * A[2]) / n, (1.0 - 2.0 * A[2]) / n, A[2] / n};
+    double* row[4];
+    for (std::size_t r = 0; r < 4; ++r) row[r] = steps + r * stepWidth;
+    for (double* each : row) each[0] = 1.0;
+    for (std::int32_t j = 1; j <= reach; ++j)
+        for (std::size_t r = 0; r < 3; ++r) row[r][j] = (row[r][j - 1] * lengths[r]) / j;
+
+    next[1] = scale;
     std::int32_t scalings = 1;
     for (std::size_t i = 2; i < points; ++i) {
         const std::int32_t jlow = std::max(static_cast<std::int32_t>(2.0 + Atflo[i]), 1);
         const std::int32_t jup = std::min(static_cast<std::int32_t>(Atcei[i]), n + 1);
         const std::int32_t klow = std::max(static_cast<std::int32_t>(2.0 + Atflo[i - 1]), 1);
-        const std::int32_t kup = static_cast<std::int32_t>(Atcei[i - 1]);
+        const std::int32_t kup = std::min(static_cast<std::int32_t>(Atcei[i - 1]), n + 1);
         const double w = (A[i] - A[i - 1]) / n;
+        std::size_t r = 0;
+        while (r < 3 && !(std::fabs(w - row[r][1]) <= kStepTolerance)) ++r;
         std::swap(before, next);
-        Convolve(before, steps.RowOfLength(w), next, jlow, jup, klow, kup);
-        double smallest = scale;
-        for (std::int32_t j = jlow; j <= jup; ++j) smallest = std::min(smallest, next[j]);
-        if (smallest < 1e-280) {
+        Convolve(before, row[r], next, jlow, jup, klow, kup);
+        if (AnyBelow(next + jlow, next + jup + 1, 1e-280)) {
             for (std::int32_t j = jlow; j <= jup; ++j) next[j] *= scale;
             ++scalings;
         }

@@ -49,7 +49,8 @@ TEST(FactorialTable, IsExact) {
 TEST(MatrixMultiply, HasTheBitsOfThePlainTripleLoop) {
     std::mt19937_64 random(kSeed);
     std::uniform_real_distribution<double> element(-1, 1);
-    for (std::int32_t m : {1, 2, 3, 5, 8, 17, 33, 117}) {
+    // Every remainder of the tiles, and the largest matrix there is.
+    for (std::int32_t m : {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 19, 33, 117}) {
         const std::size_t area = static_cast<std::size_t>(m * m);
         std::vector<double> A(area), B(area), C(area), plain(area);
         for (double& a : A) a = element(random) * std::exp2(std::floor(element(random) * 100));
@@ -273,6 +274,8 @@ TEST(KolmogorovSpecial, OneMinusOneOverNBelongsToTheUpperForm) {
     EXPECT_EQ(KolmogorovComplementSpecial(5, x), 2.0 * std::pow(1.0 - x, 5));
     EXPECT_EQ(KolmogorovCumulativeSpecial(2, 0.5), 0.5);
 }
+
+TEST(PelzGood, IsReturnedAsItStands) { EXPECT_GT(PelzGood(6, 0.85), 1.0); }
 
 TEST(PelzGood, ApproachesTheLimitDistribution) {
     // Kolmogorov's limit at z = 1: 0.7300003283226455.

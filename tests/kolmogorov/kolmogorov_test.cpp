@@ -1,13 +1,17 @@
 // The two exports: regions, edges, failures, properties.
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <iterator>
 #include <limits>
 #include <map>
 #include <random>
 #include <string>
+
+#include <boost/math/tools/toms748_solve.hpp>
 
 #include "frame/policies.hpp"
 #include "kolmogorov/durbin_matrix.hpp"
@@ -123,6 +127,25 @@ TEST(KolmogorovCDF, SenselessInputGivesNaNAndReturnsAtOnce) {
     EXPECT_NEAR(KolmogorovCDF(3e-5, 2147483647.0, 0), 0.95, 0.06);
 }
 
+TEST(KolmogorovCDF, EveryBitPatternIsAnsweredByAProbabilityOrNaN) {
+    std::mt19937_64 random(kSeed);
+    const auto anything = [&] { return std::bit_cast<double>(random()); };
+    const double sizes[] = {0,   0.5, 1, 2, 3, 20, 21, 140, 141, 3001, 100000, 200001, 2147483647.0, 2147483648.0,
+                            kNaN};
+    for (int i = 0; i < 3000; ++i) {
+        const double n = i % 3 == 0 ? anything() : sizes[random() % std::size(sizes)];
+        // Beside the points where a closed form ends, or anywhere.
+        const double edges[] = {anything(), 0.5 / n, 1 / n, 1 - 1 / n, 1, std::sqrt(18 / n), std::sqrt(370 / n)};
+        const double edge = edges[random() % std::size(edges)];
+        const double x = i % 2 == 0 ? edge : std::nextafter(edge, i % 4 == 1 ? -kInfinity : kInfinity);
+        for (std::int32_t complement : {0, 1}) {
+            const double p = KolmogorovCDF(x, n, complement);
+            EXPECT_TRUE(std::isnan(p) || (p >= -1e-15 && p <= 1 + 1e-15))
+                << std::hexfloat << "seed " << kSeed << " x " << x << " n " << n << " p " << p;
+        }
+    }
+}
+
 TEST(KolmogorovCDF, UnderflowOfTheRuntimeDoesNotReachErrno) {
     EXPECT_EQ(CallWithErrno(0, [] { return KolmogorovCDF(0.6, 1000, 1); }).errnoAfter, 0);
     EXPECT_EQ(CallWithErrno(0, [] { return KolmogorovCDF(0.0006, 1000, 0); }).errnoAfter, 0);
@@ -182,6 +205,42 @@ TEST(KolmogorovICDF, ASenselessSampleSizeThrowsAndReturnsAtOnce) {
         EXPECT_EQ(ThrownText<boost::math::evaluation_error>([=] { KolmogorovICDF(0.5, n, 0); }).find(kUnbracketed),
                   0u)
             << n;
+}
+
+TEST(KolmogorovICDF, EveryBitPatternIsAnsweredOrThrows) {
+    std::mt19937_64 random(kSeed);
+    int answered = 0;
+    for (int i = 0; i < 3000; ++i) {
+        const double n = i % 2 == 0 ? std::bit_cast<double>(random()) : static_cast<double>(random() % 300);
+        const double p = i % 3 == 0 ? std::bit_cast<double>(random()) : static_cast<double>(random() % 1001) / 1000;
+        try {
+            const double x = KolmogorovICDF(p, n, i % 5 == 0);
+            EXPECT_GE(x, 0) << std::hexfloat << "seed " << kSeed << " p " << p << " n " << n;
+            ++answered;
+        } catch (const boost::math::evaluation_error&) {
+        }
+    }
+    EXPECT_GT(answered, 500);
+}
+
+TEST(KolmogorovICDF, BelowOneObservationThereIsOnlyTheJumpAtOne) {
+    EXPECT_EQ(ThrownText<boost::math::evaluation_error>([] { KolmogorovICDF(0.5, 0, 0); }).find(kUnbracketed), 0u);
+    EXPECT_NEAR(KolmogorovICDF(0.5, 0.5, 0), 1.0, 2e-7);
+}
+
+TEST(KolmogorovICDF, MessagesOfTheSearchAreThoseOfItsPolicy) {
+    // The walk always ends with ordered ends of different sign, so these two are raised here by hand.
+    const auto solve = [](double a, double b) {
+        std::uintmax_t evaluations = 100;
+        boost::math::tools::toms748_solve([](double x) { return x; }, a, b, a, b,
+                                          boost::math::tools::eps_tolerance<double>(24), evaluations,
+                                          DefaultPolicy());
+    };
+    EXPECT_EQ(ThrownText<std::domain_error>([&] { solve(2, 1); }),
+              "Error in function boost::math::tools::toms748_solve<double>: Parameters a and b out of order: a=2");
+    EXPECT_EQ(ThrownText<std::domain_error>([&] { solve(1, 2); }),
+              "Error in function boost::math::tools::toms748_solve<double>: Parameters a and b do not bracket the "
+              "root: a=1");
 }
 
 TEST(Published, PercentagePointsWhereThePrintedFigureIsRight) {
