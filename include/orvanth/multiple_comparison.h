@@ -35,7 +35,7 @@
  *         probability may make it negative for negative x.
  * @par Failure
  * Throws std::domain_error: df <= 0 or a NaN ("Degrees of freedom argument is ..."), x a NaN or |lambda[0]| > 1
- * ("Random variate x is ..."). errno stays as it was. What was allocated for the call is then not released.
+ * ("Random variate x is ..."). errno stays as it was.
  * @par Method
  * 48-point Gauss-Legendre over the scale, 48-point Gauss-Hermite over the latent normal variable.
  */

@@ -68,7 +68,7 @@ ORVANTH_API(double) FNCHypergeometricICDF(double p, int32_t n, int32_t m, int32_
  * @param[out] variance  the variance, not below 0
  * @par Failure
  * In band: for odds 0 with n > N - m sums of -4.4462302923349974e+196; NaN for negative odds. Offsets from
- * the mean are squared in 32 bits: beyond 46340 standard steps the variance is not to be relied on.
+ * the mean are squared in 32 bits: beyond 46340 steps the variance is not to be relied on.
  * @par Method
  * Point probabilities from log-factorials, summed outward from the mean to a relative 1e-9.
  */

@@ -10,7 +10,7 @@
 
 namespace orvanth {
 
-ORVANTH_THREAD_LOCAL SilentCall* SilentCall::current_ = nullptr;
+constinit ORVANTH_THREAD_LOCAL SilentCall* SilentCall::current_ = nullptr;
 
 namespace {
 

@@ -78,7 +78,7 @@ public:
     static SilentCall* Current() noexcept { return current_; }
 
 private:
-    static ORVANTH_THREAD_LOCAL SilentCall* current_;
+    static constinit ORVANTH_THREAD_LOCAL SilentCall* current_;
     SilentCall* outer_;
     int errno_;
     bool noted_ = false;

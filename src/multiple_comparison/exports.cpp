@@ -10,19 +10,14 @@ namespace {
 template <class Distribution>
 double Cumulative(double x, std::int32_t k, double df, const double* lambda, TailFlag tail) {
     ErrnoKeeper keep;
-    Distribution distribution(k, df, lambda);
-    const double c = distribution.CDF(x);
-    distribution.Release();  // required: not reached when an exception passes
+    const double c = Distribution(k, df, lambda).CDF(x);
     return IsSet(tail) ? 1.0 - c : c;
 }
 
 template <class Distribution>
 double Quantile(double p, std::int32_t k, double df, const double* lambda, TailFlag tail) {
     ErrnoKeeper keep;
-    Distribution distribution(k, df, lambda);
-    const double x = distribution.ICDF(IsSet(tail) ? 1.0 - p : p);
-    distribution.Release();
-    return x;
+    return Distribution(k, df, lambda).ICDF(IsSet(tail) ? 1.0 - p : p);
 }
 
 }  // namespace

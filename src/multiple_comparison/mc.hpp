@@ -20,9 +20,8 @@ public:
     // lambda: k coefficients, borrowed. Nothing is validated.
     MC(std::int32_t k, double df, const double* lambda);
 
-    // Releases `scale`. There is no destructor, on purpose: an exception on the way leaves the array
-    // to the process.
-    void Release() { delete[] scale_; }
+    MC(const MC&) = delete;
+    MC& operator=(const MC&) = delete;
 
     // P(statistic <= x): the conditional probability integrated over the scale, of whose distribution
     // 5e-8 is cut off at each end and not made up for. Not clamped.
@@ -38,7 +37,8 @@ public:
     virtual std::pair<double, double> QuantileRange(double alpha) const = 0;
 
 protected:
-    ~MC() = default;
+    // Not virtual: no one deletes through the base.
+    ~MC() { delete[] scale_; }
 
     // The Student t quantile at lower tail q. The check of df comes first, and once.
     void CheckDegreesOfFreedom() const;

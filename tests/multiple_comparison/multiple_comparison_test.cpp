@@ -156,9 +156,6 @@ TEST(MC, ConditionalCDFHasTheBitsOfThePlainLoop) {
         EXPECT_EQ(hsu.ConditionalCDF(x, s), plain::Conditional(Statistic::kHsu, x, s, k, lambda.data()));
         EXPECT_EQ(tukey.ConditionalCDF(x, s), plain::Conditional(Statistic::kTukey, x, s, k, lambda.data()));
         EXPECT_EQ(tukey.ConditionalCDF(s, x), plain::Conditional(Statistic::kTukey, s, x, k, lambda.data()));
-        dunnett.Release();
-        hsu.Release();
-        tukey.Release();
     }
 }
 
@@ -248,7 +245,6 @@ TEST(MCICDF, TheRoadOfOneCall) {
     const double x = MCaICDF(0.95, 3, 10, kEqualGroups.data(), 0);
     EXPECT_EQ(x, tukey.ICDF(0.95));
     EXPECT_NEAR(tukey.CDF(x), 0.95, 1e-7);
-    tukey.Release();
 }
 
 TEST(MCICDF, TwoGroupsAreTheStudentQuantileItself) {

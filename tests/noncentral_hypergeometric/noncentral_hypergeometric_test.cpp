@@ -16,6 +16,7 @@
 #include "noncentral_hypergeometric/fnc_table.hpp"
 #include "noncentral_hypergeometric/log_factorial.hpp"
 #include "orvanth/noncentral_hypergeometric.h"
+#include "support/heap.hpp"
 
 namespace {
 
@@ -257,6 +258,16 @@ TEST(FNCHypergeometricMoments, OddsOneHaveTheCentralMean) {
     EXPECT_NEAR(mean, 30.0 * 50 / 120, 1e-9);
     EXPECT_NEAR(variance, 30.0 * 50 * 70 * 90 / (120.0 * 120 * 119), 1e-7);
 }
+
+#ifdef ORVANTH_HEAP_IS_PLAIN
+TEST(FNCHypergeometricCDF, KeepsItsTableAndTheQuantileReleasesIt) {
+    const auto cdf = [] { FNCHypergeometricCDF(20, 40, 60, 120, 1.5, 0, 0); };
+    EXPECT_GE(test::HeapGrowth(cdf), 1000 * 41 * 8);
+    EXPECT_LT(test::HeapGrowth([] { FNCHypergeometricICDF(0.5, 40, 60, 120, 1.5, 0, 0); }), 16000);
+    double mean, variance;
+    EXPECT_LT(test::HeapGrowth([&] { FNCHypergeometricMoments(40, 60, 120, 1.5, &mean, &variance); }), 16000);
+}
+#endif
 
 TEST(FNCHypergeometric, BordersOfTheLogFactorialTable) {
     for (std::int32_t m : {1023, 1024, 1025})
