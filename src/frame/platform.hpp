@@ -17,4 +17,16 @@
 #define ORVANTH_VECTOR_CLONES
 #endif
 
+// For the few kernels that need vectors of eight doubles by name: compiled for them whatever the build targets, and
+// called only where HasWideVectors() says so.
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__)
+#define ORVANTH_WIDE_VECTORS __attribute__((target("avx512f,avx512dq,avx512vl,prefer-vector-width=512")))
+namespace orvanth {
+inline bool HasWideVectors() {
+    return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
+           __builtin_cpu_supports("avx512vl");
+}
+}  // namespace orvanth
+#endif
+
 #endif

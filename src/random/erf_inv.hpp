@@ -20,6 +20,9 @@ inline constexpr double kErfInvLargest = 5.8635847487551676;
 // numeric error callback.
 void vdErfInv(std::int32_t count, const double* arguments, double* values);
 
+// The same, element by element: the bits that every processor gives.
+void ErfInvPortable(std::int32_t count, const double* arguments, double* values);
+
 }  // namespace orvanth
 
 #endif

@@ -4,6 +4,8 @@
 #include <boost/multiprecision/cpp_bin_float.hpp>
 #include <cmath>
 #include <cstdio>
+#include <iterator>
+#include <random>
 #include <thread>
 
 #include "frame/policies.hpp"
@@ -86,6 +88,32 @@ TEST(VdErfInv, SpecialCases) {
     EXPECT_EQ(ErfInv(-1.0), -kInfinity);
     for (double x : {1e-11, -2.9e-11, 1e-300, 5e-324})
         EXPECT_LE(UlpError(ErfInv(x), Wide(x) * sqrt(boost::math::constants::pi<Wide>()) / 2), 1) << x;
+}
+
+// Eight at a time, collected, or one by one; in place or not; wherever the special cases stand.
+TEST(VdErfInv, HasTheBitsOfThePortableRoadAtEveryLengthAndPlace) {
+    std::mt19937_64 engine(20261121);
+    const double odd[] = {0.0, -0.0, 1.0, -1.0, 1.5, kNaN, kInfinity, 1e-300, 1e-16, 0.9375, 1 - 0x1p-8, 1 - 0x1p-53};
+    for (std::int32_t n = 0; n < 2100; n += n < 40 ? 1 : 97) {
+        std::vector<double> x(static_cast<std::size_t>(n));
+        for (double& value : x) {
+            const std::uint64_t word = engine();
+            value = static_cast<double>(static_cast<std::int64_t>(word)) * 0x1p-63;
+            if (word % 5 == 0)
+                value = std::copysign(1 - std::ldexp(1 - std::fabs(value), -static_cast<int>(word % 53)), value);
+            if (word % 37 == 0) value = odd[(word >> 32) % std::size(odd)];
+        }
+        std::vector<double> portable(x.size()), inOrder(x.size()), inPlace = x;
+        ErfInvPortable(n, x.data(), portable.data());
+        vdErfInv(n, x.data(), inOrder.data());
+        vdErfInv(n, inPlace.data(), inPlace.data());
+        for (std::size_t i = 0; i < x.size(); ++i) {
+            EXPECT_EQ(std::bit_cast<std::uint64_t>(inOrder[i]), std::bit_cast<std::uint64_t>(portable[i]))
+                << n << " " << i << " " << x[i];
+            EXPECT_EQ(std::bit_cast<std::uint64_t>(inPlace[i]), std::bit_cast<std::uint64_t>(portable[i]))
+                << n << " " << i << " " << x[i];
+        }
+    }
 }
 
 TEST(VdErfInv, TheCallbackLearnsCodeAndIndexAndItsResultIsStored) {
