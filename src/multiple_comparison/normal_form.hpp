@@ -12,6 +12,7 @@
 #include <boost/math/special_functions/erf.hpp>
 
 #include "frame/policies.hpp"
+#include "special/erf_real.hpp"
 
 namespace orvanth {
 
@@ -30,7 +31,7 @@ inline double NormalForm(double z) {
     if (y >= kCertain) return 1.0;
     if (y <= -kCertain) return 0.0;
     if (std::isnan(y)) return RejectNormalArgument(-z);
-    return 1.0 - boost::math::erfc(y, DefaultPolicy()) / 2;
+    return 1.0 - boost::math::erfc(ErfReal(y), DefaultPolicy()).value / 2;
 }
 
 struct NormalPair {
@@ -45,15 +46,15 @@ inline NormalPair NormalForms(double z) {
     if (y >= kCertain) {
         lower = 2.0;
     } else if (y > 0.5) {
-        upper = boost::math::erfc(y, DefaultPolicy());
+        upper = boost::math::erfc(ErfReal(y), DefaultPolicy()).value;
         lower = 2.0 - upper;
     } else if (y < 0.5) {
-        const double e = boost::math::erf(y, DefaultPolicy());
+        const double e = boost::math::erf(ErfReal(y), DefaultPolicy()).value;
         upper = 1.0 - e;
         lower = 1.0 + e;
     } else if (y == 0.5) {
-        upper = boost::math::erfc(y, DefaultPolicy());
-        lower = boost::math::erfc(-y, DefaultPolicy());
+        upper = boost::math::erfc(ErfReal(y), DefaultPolicy()).value;
+        lower = boost::math::erfc(ErfReal(-y), DefaultPolicy()).value;
     } else {
         RejectNormalArgument(-z);
     }

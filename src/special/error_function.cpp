@@ -4,6 +4,7 @@
 
 #include "frame/policies.hpp"
 #include "orvanth/special.h"
+#include "special/erf_real.hpp"
 
 namespace orvanth {
 
@@ -20,7 +21,7 @@ double InverseErfValue(double p) {
 
 }  // namespace
 
-double ErfCValue(double x) { return std::isnan(x) ? x : boost::math::erfc(x, BoundaryPolicy()); }
+double ErfCValue(double x) { return std::isnan(x) ? x : boost::math::erfc(ErfReal(x), BoundaryPolicy()).value; }
 
 double InverseErfCValue(double z) {
     if (z < 0 || z > 2) return RaiseDomain(kInverse, kOutsideRange, z, kLongDouble);
@@ -34,7 +35,7 @@ using namespace orvanth;
 ORVANTH_API(double) Erf(double x) {
     SilentCall silent;
     if (std::isnan(x)) return x;
-    return boost::math::erf(x, BoundaryPolicy());
+    return boost::math::erf(ErfReal(x), BoundaryPolicy()).value;
 }
 
 ORVANTH_API(double) ErfC(double x) {
