@@ -64,6 +64,6 @@ endfunction()
 # add_core_bench(<name> <sources>...): a Google Benchmark program over the library's objects.
 function(add_core_bench name)
   add_executable(${name} ${ARGN})
-  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/bench)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/benchmarks)
   target_link_libraries(${name} PRIVATE core_math_objects benchmark::benchmark_main)
 endfunction()

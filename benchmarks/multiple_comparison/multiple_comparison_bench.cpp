@@ -1,5 +1,5 @@
 // The three statistics against the plain double loop and against the standalone Rmath library, in one
-// run. SciPy's times: bench/multiple_comparison/peers.py.
+// run. SciPy's times: benchmarks/multiple_comparison/peers.py.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -8,7 +8,7 @@
 #include "multiple_comparison/plain_mc.hpp"
 #include "orvanth/multiple_comparison.h"
 
-#ifdef ORVANTH_HAS_RMATH
+#ifdef BENCH_RMATH
 extern "C" {
 double ptukey(double q, double ranges, double k, double df, int lower, int logarithm);
 double qtukey(double p, double ranges, double k, double df, int lower, int logarithm);
@@ -52,21 +52,24 @@ void Quantile(benchmark::State& state, Export function, bool equal) {
     for (auto _ : state) benchmark::DoNotOptimize(function(0.95, k, 10, lambda.data(), 0));
 }
 
-BENCHMARK_CAPTURE(Ours, Tukey, MCaCDF, true)->Arg(3)->Arg(10);
-BENCHMARK_CAPTURE(Plain, Tukey, Statistic::kTukey, true)->Arg(3)->Arg(10);
-BENCHMARK_CAPTURE(Ours, Hsu_balanced, MCbCDF, true)->Arg(3)->Arg(10)->Arg(40);
-BENCHMARK_CAPTURE(Plain, Hsu_balanced, Statistic::kHsu, true)->Arg(3)->Arg(10)->Arg(40);
-BENCHMARK_CAPTURE(Ours, Hsu_unbalanced, MCbCDF, false)->Arg(3)->Arg(10);
-BENCHMARK_CAPTURE(Plain, Hsu_unbalanced, Statistic::kHsu, false)->Arg(3)->Arg(10);
-BENCHMARK_CAPTURE(Ours, Dunnett_balanced, MCcCDF, true)->Arg(3)->Arg(10)->Arg(40);
-BENCHMARK_CAPTURE(Plain, Dunnett_balanced, Statistic::kDunnett, true)->Arg(3)->Arg(10)->Arg(40);
-BENCHMARK_CAPTURE(Ours, Dunnett_unbalanced, MCcCDF, false)->Arg(3)->Arg(10);
-BENCHMARK_CAPTURE(Plain, Dunnett_unbalanced, Statistic::kDunnett, false)->Arg(3)->Arg(10);
-BENCHMARK_CAPTURE(Quantile, Tukey, MCaICDF, true)->Arg(3)->Arg(10);
-BENCHMARK_CAPTURE(Quantile, Hsu, MCbICDF, true)->Arg(3)->Arg(10);
-BENCHMARK_CAPTURE(Quantile, Dunnett, MCcICDF, true)->Arg(3)->Arg(10);
+BENCHMARK_CAPTURE(Ours, Tukey, MCaCDF, true)->Name("MCaCDF/here")->Arg(3)->Arg(10);
+BENCHMARK_CAPTURE(Plain, Tukey, Statistic::kTukey, true)->Name("MCaCDF/plain")->Arg(3)->Arg(10);
+BENCHMARK_CAPTURE(Ours, Hsu_balanced, MCbCDF, true)->Name("MCbCDF/here")->Arg(3)->Arg(10)->Arg(40);
+BENCHMARK_CAPTURE(Plain, Hsu_balanced, Statistic::kHsu, true)->Name("MCbCDF/plain")->Arg(3)->Arg(10)->Arg(40);
+BENCHMARK_CAPTURE(Ours, Hsu_unbalanced, MCbCDF, false)->Name("MCbCDF/here/unequal")->Arg(3)->Arg(10);
+BENCHMARK_CAPTURE(Plain, Hsu_unbalanced, Statistic::kHsu, false)->Name("MCbCDF/plain/unequal")->Arg(3)->Arg(10);
+BENCHMARK_CAPTURE(Ours, Dunnett_balanced, MCcCDF, true)->Name("MCcCDF/here")->Arg(3)->Arg(10)->Arg(40);
+BENCHMARK_CAPTURE(Plain, Dunnett_balanced, Statistic::kDunnett, true)->Name("MCcCDF/plain")->Arg(3)->Arg(10)->Arg(40);
+BENCHMARK_CAPTURE(Ours, Dunnett_unbalanced, MCcCDF, false)->Name("MCcCDF/here/unequal")->Arg(3)->Arg(10);
+BENCHMARK_CAPTURE(Plain, Dunnett_unbalanced, Statistic::kDunnett, false)
+    ->Name("MCcCDF/plain/unequal")
+    ->Arg(3)
+    ->Arg(10);
+BENCHMARK_CAPTURE(Quantile, Tukey, MCaICDF, true)->Name("MCaICDF/here")->Arg(3)->Arg(10);
+BENCHMARK_CAPTURE(Quantile, Hsu, MCbICDF, true)->Name("MCbICDF/here")->Arg(3)->Arg(10);
+BENCHMARK_CAPTURE(Quantile, Dunnett, MCcICDF, true)->Name("MCcICDF/here")->Arg(3)->Arg(10);
 
-#ifdef ORVANTH_HAS_RMATH
+#ifdef BENCH_RMATH
 void RmathCumulative(benchmark::State& state) {
     int step = 0;
     for (auto _ : state)
@@ -76,8 +79,8 @@ void RmathCumulative(benchmark::State& state) {
 void RmathQuantile(benchmark::State& state) {
     for (auto _ : state) benchmark::DoNotOptimize(qtukey(0.95, 1, static_cast<double>(state.range(0)), 10, 1, 0));
 }
-BENCHMARK(RmathCumulative)->Arg(3)->Arg(10);
-BENCHMARK(RmathQuantile)->Arg(3)->Arg(10);
+BENCHMARK(RmathCumulative)->Name("MCaCDF/Rmath")->Arg(3)->Arg(10);
+BENCHMARK(RmathQuantile)->Name("MCaICDF/Rmath")->Arg(3)->Arg(10);
 #endif
 
 }  // namespace

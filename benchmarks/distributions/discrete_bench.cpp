@@ -93,42 +93,45 @@ BoostHypergeometric Direct(const Hypergeometric& a) {
     return {static_cast<unsigned>(a.r), static_cast<unsigned>(a.n), static_cast<unsigned>(a.N)};
 }
 
-#define ROW(over, name, expression) \
-    BENCHMARK_CAPTURE(over, name, [](const auto& a) { return expression; })->DenseRange(0, 2)
+#define ROW(over, name, contender, expression)                                         \
+    BENCHMARK_CAPTURE(over, name##contender, [](const auto& a) { return expression; }) \
+        ->Name(#name "/" #contender)                                                   \
+        ->DenseRange(0, 2)
 
-ROW(OverTrials, BinomialPDF, BinomialPDF(a.k, a.n, a.p));
-ROW(OverTrials, BinomialPDF_Boost, pdf(BoostBinomial(a.n, a.p), a.k));
-ROW(OverTrials, BinomialCDF, BinomialCDF(a.k, a.n, a.p, 0));
-ROW(OverTrials, BinomialCDF_Boost, cdf(BoostBinomial(a.n, a.p), a.k));
-ROW(OverTrials, BinomialICDF, BinomialICDF(a.probability, a.n, a.p, 0, 1));
-ROW(OverTrials, BinomialICDF_Boost, quantile(BoostRoundedUp(a.n, a.p), a.probability));
-ROW(OverTrials, BinomialPS, BinomialPS(a.probability, a.k, a.n, 0));
-ROW(OverTrials, BinomialPS_Boost, BoostBinomial::find_lower_bound_on_p(a.n, a.k, a.probability));
-ROW(OverPopulations, HypergeometricPDF, HypergeometricPDF(a.x, a.r, a.n, a.N));
-ROW(OverPopulations, HypergeometricPDF_Boost, pdf(Direct(a), a.x));
-ROW(OverPopulations, HypergeometricCDF, HypergeometricCDF(a.x, a.r, a.n, a.N, 0));
-ROW(OverPopulations, HypergeometricCDF_Boost, cdf(Direct(a), a.x));
-ROW(OverPopulations, HypergeometricICDF, HypergeometricICDF(a.probability, a.r, a.n, a.N, 0));
-ROW(OverPopulations, HypergeometricICDF_Boost, quantile(Direct(a), a.probability));
+ROW(OverTrials, BinomialPDF, here, BinomialPDF(a.k, a.n, a.p));
+ROW(OverTrials, BinomialPDF, Boost, pdf(BoostBinomial(a.n, a.p), a.k));
+ROW(OverTrials, BinomialCDF, here, BinomialCDF(a.k, a.n, a.p, 0));
+ROW(OverTrials, BinomialCDF, Boost, cdf(BoostBinomial(a.n, a.p), a.k));
+ROW(OverTrials, BinomialICDF, here, BinomialICDF(a.probability, a.n, a.p, 0, 1));
+ROW(OverTrials, BinomialICDF, Boost, quantile(BoostRoundedUp(a.n, a.p), a.probability));
+ROW(OverTrials, BinomialPS, here, BinomialPS(a.probability, a.k, a.n, 0));
+ROW(OverTrials, BinomialPS, Boost, BoostBinomial::find_lower_bound_on_p(a.n, a.k, a.probability));
+ROW(OverPopulations, HypergeometricPDF, here, HypergeometricPDF(a.x, a.r, a.n, a.N));
+ROW(OverPopulations, HypergeometricPDF, Boost, pdf(Direct(a), a.x));
+ROW(OverPopulations, HypergeometricCDF, here, HypergeometricCDF(a.x, a.r, a.n, a.N, 0));
+ROW(OverPopulations, HypergeometricCDF, Boost, cdf(Direct(a), a.x));
+ROW(OverPopulations, HypergeometricICDF, here, HypergeometricICDF(a.probability, a.r, a.n, a.N, 0));
+ROW(OverPopulations, HypergeometricICDF, Boost, quantile(Direct(a), a.probability));
 
 #ifdef BENCH_RMATH
-ROW(OverTrials, BinomialPDF_Rmath, dbinom(a.k, a.n, a.p, 0));
-ROW(OverTrials, BinomialCDF_Rmath, pbinom(a.k, a.n, a.p, 1, 0));
-ROW(OverTrials, BinomialICDF_Rmath, qbinom(a.probability, a.n, a.p, 1, 0));
-ROW(OverTrials, BinomialPS_Rmath, qbeta(a.probability, a.k, a.n - a.k + 1, 1, 0));
-ROW(OverPopulations, HypergeometricPDF_Rmath, dhyper(a.x, a.r, a.N - a.r, a.n, 0));
-ROW(OverPopulations, HypergeometricCDF_Rmath, phyper(a.x, a.r, a.N - a.r, a.n, 1, 0));
-ROW(OverPopulations, HypergeometricICDF_Rmath, qhyper(a.probability, a.r, a.N - a.r, a.n, 1, 0));
+ROW(OverTrials, BinomialPDF, Rmath, dbinom(a.k, a.n, a.p, 0));
+ROW(OverTrials, BinomialCDF, Rmath, pbinom(a.k, a.n, a.p, 1, 0));
+ROW(OverTrials, BinomialICDF, Rmath, qbinom(a.probability, a.n, a.p, 1, 0));
+ROW(OverTrials, BinomialPS, Rmath, qbeta(a.probability, a.k, a.n - a.k + 1, 1, 0));
+ROW(OverPopulations, HypergeometricPDF, Rmath, dhyper(a.x, a.r, a.N - a.r, a.n, 0));
+ROW(OverPopulations, HypergeometricCDF, Rmath, phyper(a.x, a.r, a.N - a.r, a.n, 1, 0));
+ROW(OverPopulations, HypergeometricICDF, Rmath, qhyper(a.probability, a.r, a.N - a.r, a.n, 1, 0));
 #endif
 
 #ifdef BENCH_GSL
 const auto kQuiet = gsl_set_error_handler_off();
 unsigned Cut(double count) { return static_cast<unsigned>(count); }
-ROW(OverTrials, BinomialPDF_GSL, gsl_ran_binomial_pdf(Cut(a.k), a.p, Cut(a.n)));
-ROW(OverTrials, BinomialCDF_GSL, gsl_cdf_binomial_P(Cut(a.k), a.p, Cut(a.n)));
-ROW(OverTrials, BinomialPS_GSL, gsl_cdf_beta_Pinv(a.probability, a.k, a.n - a.k + 1));
-ROW(OverPopulations, HypergeometricPDF_GSL, gsl_ran_hypergeometric_pdf(Cut(a.x), Cut(a.r), Cut(a.N - a.r), Cut(a.n)));
-ROW(OverPopulations, HypergeometricCDF_GSL, gsl_cdf_hypergeometric_P(Cut(a.x), Cut(a.r), Cut(a.N - a.r), Cut(a.n)));
+ROW(OverTrials, BinomialPDF, GSL, gsl_ran_binomial_pdf(Cut(a.k), a.p, Cut(a.n)));
+ROW(OverTrials, BinomialCDF, GSL, gsl_cdf_binomial_P(Cut(a.k), a.p, Cut(a.n)));
+ROW(OverTrials, BinomialPS, GSL, gsl_cdf_beta_Pinv(a.probability, a.k, a.n - a.k + 1));
+ROW(OverPopulations, HypergeometricPDF, GSL,
+    gsl_ran_hypergeometric_pdf(Cut(a.x), Cut(a.r), Cut(a.N - a.r), Cut(a.n)));
+ROW(OverPopulations, HypergeometricCDF, GSL, gsl_cdf_hypergeometric_P(Cut(a.x), Cut(a.r), Cut(a.N - a.r), Cut(a.n)));
 #endif
 
 }  // namespace

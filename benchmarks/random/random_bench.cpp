@@ -1,10 +1,11 @@
 // Words, normal variates and index draws, 2^20 at a time, beside peers in the same run: Boost.Random,
-// the standard library, GSL's inversion. NumPy's times: bench/random/peers.py.
+// the standard library, GSL's inversion. NumPy's times: benchmarks/random/peers.py.
 #include <benchmark/benchmark.h>
 
 #include <boost/math/special_functions/erf.hpp>
 #include <boost/random/mersenne_twister.hpp>
 #include <boost/random/normal_distribution.hpp>
+#include <boost/random/uniform_int_distribution.hpp>
 #include <cmath>
 #include <random>
 #include <vector>
@@ -12,7 +13,7 @@
 #include "orvanth/random.h"
 #include "random/random_stream.hpp"
 
-#ifdef ORVANTH_HAS_GSL
+#ifdef BENCH_GSL
 #include <gsl/gsl_cdf.h>
 #endif
 
@@ -60,6 +61,23 @@ void Normal(benchmark::State& state) {
     PerItem(state);
 }
 
+void NormalColumns(benchmark::State& state) {
+    std::vector<double> values(kCount);
+    for (auto _ : state) {
+        RandomNormalVariables(values.data(), kCount / 16, 16, 0, 1, 1);
+        benchmark::DoNotOptimize(values.data());
+    }
+    PerItem(state);
+}
+
+void CreateAndDelete(benchmark::State& state) {
+    for (auto _ : state) DeleteRandomStream(CreateRandomStream(1));
+}
+
+void BoostEngine(benchmark::State& state) {
+    for (auto _ : state) benchmark::DoNotOptimize(boost::random::mt19937(1u));
+}
+
 void BoostZiggurat(benchmark::State& state) {
     boost::random::mt19937 engine(1);
     boost::random::normal_distribution<double> normal;
@@ -93,15 +111,37 @@ void Indices(benchmark::State& state) {
     PerItem(state);
 }
 
-BENCHMARK(Words);
-BENCHMARK_TEMPLATE(PeerWords, boost::random::mt19937);
-BENCHMARK_TEMPLATE(PeerWords, std::mt19937);
-BENCHMARK(Normal);
-BENCHMARK(BoostZiggurat);
-BENCHMARK(BoostInversion);
-BENCHMARK(Indices);
+void BoostIndices(benchmark::State& state) {
+    boost::random::mt19937 engine(1);
+    const boost::random::uniform_int_distribution<std::int32_t> index(0, kCount - 1);
+    std::vector<std::int32_t> values(kCount);
+    for (auto _ : state) {
+        for (std::int32_t& value : values) value = index(engine);
+        benchmark::DoNotOptimize(values.data());
+    }
+    PerItem(state);
+}
 
-#ifdef ORVANTH_HAS_GSL
+void NormalOf(benchmark::State& state) {
+    std::vector<double> values(static_cast<std::size_t>(state.range(0)));
+    for (auto _ : state) RandomNormalVariable(values.data(), static_cast<std::int32_t>(state.range(0)), 0, 1, 1);
+}
+
+BENCHMARK(NormalOf)->Name("growth RandomNormalVariable/here")->RangeMultiplier(8)->Range(1 << 8, 1 << 20);
+BENCHMARK(Words)->Name("words/here");
+BENCHMARK_TEMPLATE(PeerWords, boost::random::mt19937)->Name("words/Boost");
+BENCHMARK_TEMPLATE(PeerWords, std::mt19937)->Name("words/std");
+BENCHMARK(Normal)->Name("RandomNormalVariable/here");
+BENCHMARK(BoostZiggurat)->Name("RandomNormalVariable/Boost ziggurat");
+BENCHMARK(BoostInversion)->Name("RandomNormalVariable/Boost inversion");
+BENCHMARK(NormalColumns)->Name("RandomNormalVariables/here");
+BENCHMARK(BoostZiggurat)->Name("RandomNormalVariables/Boost ziggurat");
+BENCHMARK(CreateAndDelete)->Name("CreateRandomStream/here");
+BENCHMARK(BoostEngine)->Name("CreateRandomStream/Boost");
+BENCHMARK(BoostIndices)->Name("RandomUniformInteger/Boost");
+BENCHMARK(Indices)->Name("RandomUniformInteger/here");
+
+#ifdef BENCH_GSL
 void GslInversion(benchmark::State& state) {
     boost::random::mt19937 engine(1);
     std::vector<double> values(kCount);
@@ -111,7 +151,7 @@ void GslInversion(benchmark::State& state) {
     }
     PerItem(state);
 }
-BENCHMARK(GslInversion);
+BENCHMARK(GslInversion)->Name("RandomNormalVariable/GSL inversion");
 #endif
 
 }  // namespace

@@ -1,5 +1,5 @@
 // KolmogorovCDF and KolmogorovICDF over sample size and probability, in both tails. Beside the peers
-// of the same run: bench/kolmogorov/peers.py.
+// of the same run: benchmarks/kolmogorov/peers.py.
 #include <benchmark/benchmark.h>
 
 #include <cstdint>

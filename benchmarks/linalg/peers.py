@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Least squares by OLS and LS, by R's lm.fit and by NumPy's lstsq, one thread each, in microseconds.
 
-  OPENBLAS_NUM_THREADS=1 bench/linalg/peers.py LIBRARY
+  OPENBLAS_NUM_THREADS=1 benchmarks/linalg/peers.py LIBRARY
 """
 import shutil
 import subprocess

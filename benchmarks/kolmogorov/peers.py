@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """The grid of kolmogorov_bench beside SciPy's kstwo and the machinery of R's ks.test, in one run.
 
-  peers.py build/bench/bench/kolmogorov/kolmogorov_bench
+  peers.py build/bench/benchmarks/kolmogorov/kolmogorov_bench
 
 Processor time in microseconds, so that a busy machine does not decide; the ratio is that of the faster
 peer to this library. R has the cumulative probability alone, and is asked up to n = 1000.

@@ -175,7 +175,12 @@ void DriverOfR(benchmark::State& state) {
 
 }  // namespace
 
-BENCHMARK(Exports)->Arg(25)->Arg(1000)->Arg(100000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(BareSetulb)->Arg(25)->Arg(1000)->Arg(100000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(PackagedLibrary)->Arg(25)->Arg(1000)->Arg(100000)->Unit(benchmark::kMicrosecond);
-BENCHMARK(DriverOfR)->Arg(25)->Arg(1000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(Exports)->Name("LBFGSBStep/here")->Arg(25)->Arg(1000)->Arg(100000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BareSetulb)->Name("LBFGSBStep/setulb")->Arg(25)->Arg(1000)->Arg(100000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(PackagedLibrary)
+    ->Name("LBFGSBStep/packaged")
+    ->Arg(25)
+    ->Arg(1000)
+    ->Arg(100000)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(DriverOfR)->Name("LBFGSBStep/R")->Arg(25)->Arg(1000)->Unit(benchmark::kMicrosecond);

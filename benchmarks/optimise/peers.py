@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Writes docs/accuracy/optimise.md: evaluations and minima beside SciPy's and R's L-BFGS-B, both as black boxes.
 
-  bench/optimise/peers.py LIBRARY BENCHMARK.json      needs python3-scipy and r-base-core
+  benchmarks/optimise/peers.py LIBRARY BENCHMARK.json      needs python3-scipy and r-base-core
 
 BENCHMARK.json is what optimise_bench wrote with --benchmark_repetitions=20 --benchmark_out.
 """
@@ -135,14 +135,14 @@ def costs(path, chain_case):
     least = {}
     for row in json.loads(Path(path).read_text())["benchmarks"]:
         if row.get("run_type") == "iteration" and "error_occurred" not in row:
-            loop, n = row["name"].split("/")
+            _, loop, n = row["name"].split("/")
             best = least.setdefault(int(n), {})
             best[loop] = min(best.get(loop, np.inf), row["cpu_time"])
     yield "| n | exports | bare setulb | exports over bare | packaged liblbfgsb0 | R's lbfgsb from C | SciPy's driver |"
     yield "|---|---|---|---|---|---|---|"
     for n, best in sorted(least.items()):
-        cells = [f"{best[k]:.1f}" if k in best else "" for k in ("Exports", "BareSetulb", "PackagedLibrary", "DriverOfR")]
-        cells.insert(2, f"{100 * (best['Exports'] / best['BareSetulb'] - 1):.1f} %")
+        cells = [f"{best[k]:.1f}" if k in best else "" for k in ("here", "setulb", "packaged", "R")]
+        cells.insert(2, f"{100 * (best['here'] / best['setulb'] - 1):.1f} %")
         cells.append(f"{scipy_microseconds(*chain_case[1:5]):.0f}" if n == 25 else "")
         yield f"| {n} | " + " | ".join(cells) + " |"
 
@@ -157,7 +157,7 @@ def main(arguments):
     in_r = through_r(cases)
     version = subprocess.run(["Rscript", "--version"], capture_output=True, text=True)
     lines = ["# Minimiser: evaluations, minima and cost", "",
-             "Made by `bench/optimise/peers.py LIBRARY BENCHMARK.json`. All three run with 5 pairs,",
+             "Made by `benchmarks/optimise/peers.py LIBRARY BENCHMARK.json`. All three run with 5 pairs,",
              f"factr = 1e7 and pgtol = 1e-5. SciPy {scipy.__version__}; {(version.stdout + version.stderr).strip()}.", "",
              "| problem | known minimum | evaluations: ours | SciPy | R | minimum: ours | SciPy | R |",
              "|---|---|---|---|---|---|---|---|"]

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Errors of the studentised range against the exact integral, and SciPy's times, as Markdown.
 
-    bench/multiple_comparison/peers.py build/bench/src/libOrvanth.Core.Math.so
+    benchmarks/multiple_comparison/peers.py build/bench/src/libOrvanth.Core.Math.so
 
 The exact integral is a composite Gauss-Legendre rule of thousands of points in both directions, good to 1e-13.
 """
