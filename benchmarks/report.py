@@ -93,6 +93,11 @@ def shown(ns):
     return f"{ns:.2g} ns"
 
 
+def natural(item):
+    """Numbers in a case's name in their order."""
+    return [(0, int(word), "") if word.isdigit() else (1, 0, word) for word in re.split(r"(\d+)", item[0])]
+
+
 def size_of(what):
     match = re.search(r"(?:n:)?(\d+)", what)
     return int(match.group(1)) if match else None
@@ -156,7 +161,7 @@ def main():
     # [(title, [row, ...])], a row a list of cells; the first row of a table is its head.
     groups, tables = {}, []
     for row in exports():
-        groups.setdefault(row.family, []).append(row.name)
+        groups.setdefault(row.folder, []).append(row.name)
     for family, names in groups.items():
         head = ["export", "case", "here", "spread", "peers: time, ratio to ours", "mean ratio"]
         body = []
@@ -164,12 +169,12 @@ def main():
             if name in TOGETHER:
                 body.append([name, "", "", "", f"with {TOGETHER[name]}", ""])
                 continue
-            mean = ", ".join(f"{peer} {r:.2f}" for peer, r in ratios(found.get(name, {})).items())
-            for what, contenders in found.get(name, {}).items():
+            mean = ", ".join(f"{peer} {r:.2f}" for peer, r in sorted(ratios(found.get(name, {})).items()))
+            for what, contenders in sorted(found.get(name, {}).items(), key=natural):
                 if "here" not in contenders:
                     continue
                 time, spread = contenders["here"]
-                peers = "; ".join(f"{p} {shown(t)}, {t / time:.2f}" for p, (t, _) in contenders.items() if p != "here")
+                peers = "; ".join(f"{p} {shown(t)}, {t / time:.2f}" for p, (t, _) in sorted(contenders.items()) if p != "here")
                 body.append([name, what, shown(time), f"{100 * spread:.0f} %", peers, mean])
                 mean = ""
         tables.append((family, [head] + body))

@@ -1,6 +1,7 @@
 #include "random/random_stream.hpp"
 
 #include <algorithm>
+#include <array>
 #include <new>
 
 #include "frame/platform.hpp"
@@ -12,6 +13,14 @@ namespace {
 
 constexpr std::int32_t kShift = 397;
 constexpr double kTwoToMinus32 = 2.3283064365386963e-10;
+
+// Where every seeding by a key starts.
+constexpr std::array<std::uint32_t, kStateWords> kBeforeTheKey = [] {
+    std::array<std::uint32_t, kStateWords> mt{};
+    mt[0] = 19650218u;
+    for (std::uint32_t i = 1; i < kStateWords; ++i) mt[i] = 1812433253u * (mt[i - 1] ^ (mt[i - 1] >> 30)) + i;
+    return mt;
+}();
 
 inline std::uint32_t Twist(std::uint32_t upper, std::uint32_t lower) {
     const std::uint32_t y = (upper & 0x80000000u) | (lower & 0x7fffffffu);
@@ -120,8 +129,7 @@ std::int32_t SeedMersenneTwister(std::int32_t method, RandomStream* stream, std:
         length = 1;
     }
     std::uint32_t* const mt = stream->state;
-    mt[0] = 19650218u;
-    for (std::uint32_t i = 1; i < kStateWords; ++i) mt[i] = 1812433253u * (mt[i - 1] ^ (mt[i - 1] >> 30)) + i;
+    std::ranges::copy(kBeforeTheKey, mt);
     stream->position = kStateWords;
 
     std::int32_t i = 1, j = 0;
