@@ -147,6 +147,41 @@ def curves(found):
     return figure
 
 
+def accuracy():
+    """[(export, {who: (median, worst)})] of the records in docs/accuracy, by tests/accuracy/accuracy.py."""
+    table = {}
+    for line in (ROOT / "docs/accuracy/record.tsv").read_text().splitlines()[1:]:
+        name, _, middle, worst, _ = line.split("\t")
+        table[name] = {"here": (float(middle), float(worst))}
+    for line in (ROOT / "docs/accuracy/peers.tsv").read_text().splitlines()[1:]:
+        name, peer, middle, worst = line.split("\t")
+        table[name][peer] = (float(middle), float(worst))
+    return list(table.items())
+
+
+def accuracy_section(rows):
+    """HTML: worst errors as bars, and the table; red where a peer's worst is less than half of ours."""
+    figure, axes = plt.subplots(figsize=(9, 0.28 * len(rows) + 1))
+    for k, who in enumerate(("here", "R", "SciPy")):
+        having = [(i, e[who][1]) for i, (_, e) in enumerate(rows) if who in e]
+        axes.barh([i + 0.27 * k for i, _ in having], [math.log10(max(w, 0.1) / 0.1) if math.isfinite(w) else 20
+                                                     for _, w in having], 0.27, left=-1, label=who)
+    axes.set_yticks([i + 0.27 for i in range(len(rows))], [name for name, _ in rows], fontsize=7)
+    axes.invert_yaxis()
+    axes.set_xlabel("log10 of the worst error in units in the last place")
+    axes.legend(fontsize=8)
+    body = ["<tr><th>export<th>here: median<th>worst<th>R: median<th>worst<th>SciPy: median<th>worst</tr>"]
+    for name, errors in rows:
+        worst = errors["here"][1]
+        lost = any(worst > 2 and e[1] < worst / 2 for who, e in errors.items() if who != "here")
+        cells = "".join(f"<td>{errors[who][0]:.3g}<td>{errors[who][1]:.3g}" if who in errors else "<td><td>"
+                        for who in ("here", "R", "SciPy"))
+        body.append(f'<tr{" style=color:red" if lost else ""}><td>{name}{cells}</tr>')
+    return ("<h2>Accuracy</h2><p>Errors in units in the last place over a stratified random sample, from docs/accuracy. "
+            "Red: a peer's worst error is less than half of ours.</p>" + picture(figure) + "<table>" + "".join(body)
+            + "</table>")
+
+
 def main():
     if len(sys.argv) != 2:
         sys.exit("report.py: give the folder with the *_bench.json, as in the heading of this file")
@@ -212,6 +247,8 @@ def main():
             page.append(picture(curves(found)))
         cells = ["".join(f"<{tag}>{c}</{tag}>" for c in r) for tag, r in zip(["th"] + ["td"] * len(rows), rows)]
         page.append("<table>" + "".join(f"<tr>{c}</tr>" for c in cells) + "</table>")
+    page.append(accuracy_section(accuracy()))
+    markdown += ["## Accuracy", "", "Export by export beside R and SciPy: [accuracy/exports.md](accuracy/exports.md).", ""]
     for title, text in extra:
         markdown += [f"## {title}", "", text, ""]
         page.append(f"<h2>{title}</h2><pre>{text}</pre>")

@@ -32,6 +32,13 @@ void MultiplyTimes(double& product, double factor, std::int32_t times) {
     for (std::int32_t i = 0; i < times; ++i) product = factor * product;
 }
 
+// The integral over the latent value of what the nodes of its rule give.
+double OverTheLatent(const std::array<double, kRulePoints>& products) {
+    double sum = 0.0;
+    for (std::size_t i = 0; i < kRulePoints; ++i) sum += GaussHermite48.weights[i] * products[i];
+    return sum / kRootPi;
+}
+
 }  // namespace
 
 double DunnettDistribution::ConditionalCDF(double x, double s) const {
@@ -50,9 +57,7 @@ double DunnettDistribution::ConditionalCDF(double x, double s) const {
             MultiplyTimes(products[i + kHalfRule], below.mirrored - above.mirrored, run);
         }
     }
-    double sum = 0.0;
-    for (std::size_t i = 0; i < kRulePoints; ++i) sum += GaussHermite48.weights[i] * products[i];
-    return sum / kRootPi;
+    return OverTheLatent(products);
 }
 
 double HsuDistribution::ConditionalCDF(double x, double s) const {
@@ -67,9 +72,7 @@ double HsuDistribution::ConditionalCDF(double x, double s) const {
             MultiplyTimes(products[i], NormalForm((a + v) * c), run);
         }
     }
-    double sum = 0.0;
-    for (std::size_t i = 0; i < kRulePoints; ++i) sum += GaussHermite48.weights[i] * products[i];
-    return sum / kRootPi;
+    return OverTheLatent(products);
 }
 
 void TukeyDistribution::FillFixedTerms() const {

@@ -18,6 +18,7 @@ from host import Core  # noqa: E402
 REFERENCE = ROOT / "tests/data/accuracy/reference.tsv"
 RECORD = ROOT / "docs/accuracy/record.tsv"
 PAGE = ROOT / "docs/accuracy/exports.md"
+PEER_RECORD = ROOT / "docs/accuracy/peers.tsv"
 # The C runtime and the compiler move last digits: what a figure may grow by.
 SLACK_SHARE, SLACK_ULPS = 1.05, 1.0
 getcontext().prec = 40
@@ -155,19 +156,22 @@ def main(arguments):
              "standard deviations from the mean, probabilities down to 1e-12 for quantiles and 1e-290 for values.", "",
              "| export | points | median | worst | at | R median | R worst | SciPy median | SciPy worst |",
              "|---|---|---|---|---|---|---|---|---|"]
+    peers = []
     for name, (middle, worst, where) in found.items():
         cells = [name, str(len(rows[name])), cell(middle), cell(worst), where]
-        for through in (through_r, through_scipy):
+        for peer, through in (("R", through_r), ("SciPy", through_scipy)):
             values = through(name, rows[name]) if "--peers" in arguments else None
             if values is None:
                 cells += ["", ""]
                 continue
             peer_middle, peer_worst, _ = figures(errors(values, rows[name]), rows[name])
+            peers.append(f"{name}\t{peer}\t{peer_middle:.3f}\t{peer_worst:.3f}\n")
             better = peer_worst < worst / 2 and worst > 2
             cells += [cell(peer_middle), f"**{cell(peer_worst)}**" if better else cell(peer_worst)]
         print(" ".join(cells), file=sys.stderr)
         lines.append("| " + " | ".join(cells) + " |")
     PAGE.write_text("\n".join(lines) + "\n")
+    PEER_RECORD.write_text("export\tpeer\tmedian\tworst\n" + "".join(peers))
 
 
 main(sys.argv[1:])
