@@ -18,6 +18,6 @@ selected=("$@") status=0
 for test in "${selected[@]}"; do
     if [ "$test" = all ]; then what=(-a); else what=(-d "$test"); fi
     build/dev/tests/random/random_words 20261121 2>/dev/null | dieharder -g 200 "${what[@]}" |
-        tee /dev/stderr | { ! grep -q FAILED; } || status=1
+        tee -a /dev/stderr | { ! grep -q FAILED; } || status=1
 done
 exit $status
