@@ -14,8 +14,13 @@ constexpr double kEpsilon = std::numeric_limits<double>::epsilon();
 // Below eight times the smallest normal double a term has too few digits to step from.
 constexpr double kTooSmallToStep = 8 * std::numeric_limits<double>::min();
 
-// ln P(X = x) below this is no positive double, with room for the error of LogProbability.
+// ln P(X = x) below these is no positive double, and below kTooSmallToStep, with room for the error of
+// LogProbability.
 constexpr double kSurelyZero = -750;
+constexpr double kSurelyTooSmallToStep = -708;
+
+// Against a probability from here on, the few hundred terms that are too small to step from add nothing.
+constexpr double kDeaf = 1e-285;
 
 // P(X = x + 1) and P(X = x - 1) from d = P(X = x).
 double StepUp(std::int64_t x, const HypergeometricCounts& c, double d) {
@@ -45,15 +50,17 @@ double Mode(const HypergeometricCounts& c) {
                       (static_cast<double>(c.N) + 2));
 }
 
-// From an end of the support towards the mode: the last x of an unbroken row of probabilities that
-// are 0 as doubles, or `end` itself. A walk over them would add nothing to its sum.
-std::int64_t SkipZeros(std::int64_t end, const HypergeometricCounts& c) {
+// From an end of the support towards the mode: the last x of an unbroken row of probabilities that add
+// nothing to the sum of a walk towards `target`, or `end` itself.
+std::int64_t SkipNegligible(std::int64_t end, double target, const HypergeometricCounts& c) {
+    if (!(target > 0)) return end;
+    const double negligible = target >= kDeaf ? kSurelyTooSmallToStep : kSurelyZero;
     std::int64_t zero = end;
     std::int64_t other = std::min(c.Highest(), std::max(c.Lowest(), static_cast<std::int64_t>(Mode(c))));
-    if (LogProbability(zero, c) >= kSurelyZero) return end;
+    if (LogProbability(zero, c) >= negligible) return end;
     while (std::abs(other - zero) > 1) {
         const std::int64_t middle = zero + (other - zero) / 2;
-        (LogProbability(middle, c) < kSurelyZero ? zero : other) = middle;
+        (LogProbability(middle, c) < negligible ? zero : other) = middle;
     }
     return zero;
 }
@@ -61,7 +68,7 @@ std::int64_t SkipZeros(std::int64_t end, const HypergeometricCounts& c) {
 // From the lower end until the sum is the nearest to p from below, then rounded up.
 std::int64_t WalkUp(double p, double slack, const HypergeometricCounts& c) {
     const std::int64_t limit = c.Highest();
-    std::int64_t x = p > 0 ? SkipZeros(c.Lowest(), c) : c.Lowest();
+    std::int64_t x = SkipNegligible(c.Lowest(), p, c);
     double sum = HypergeometricProbability(x, c);
     double term = sum;
     while (sum < p && x < limit) {
@@ -76,7 +83,7 @@ std::int64_t WalkUp(double p, double slack, const HypergeometricCounts& c) {
 // From the upper end, with q the upper tail.
 std::int64_t WalkDown(double q, double slack, const HypergeometricCounts& c) {
     const std::int64_t limit = c.Highest();
-    std::int64_t x = q > 0 ? SkipZeros(limit, c) : limit;
+    std::int64_t x = SkipNegligible(limit, q, c);
     double sum = 0;
     double term = HypergeometricProbability(x, c);
     while (sum + term / 2 < q && x > c.Lowest()) {

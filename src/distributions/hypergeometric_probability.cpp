@@ -68,18 +68,23 @@ struct SplitNumber {
     int exponent;
 };
 
-constexpr SplitNumber Split(double number) {  // positive and normal
+SplitNumber Split(double number) {  // positive and normal
     constexpr std::uint64_t kDigits = 0x000FFFFFFFFFFFFF;
     constexpr std::uint64_t kOne = 0x3FF0000000000000;
     const auto bits = std::bit_cast<std::uint64_t>(number);
     return {std::bit_cast<double>((bits & kDigits) | kOne), static_cast<int>(bits >> 52) - 1023};
 }
 
-constexpr auto kFactorials = [] {
-    std::array<SplitNumber, kLargestFactorialPopulation + 1> table{};
-    for (unsigned k = 0; k < table.size(); ++k) table[k] = Split(boost::math::unchecked_factorial<double>(k));
+using FactorialTable = std::array<SplitNumber, kLargestFactorialPopulation + 1>;
+
+const FactorialTable& Factorials() {
+    static const FactorialTable table = [] {
+        FactorialTable split{};
+        for (unsigned k = 0; k < split.size(); ++k) split[k] = Split(boost::math::unchecked_factorial<double>(k));
+        return split;
+    }();
     return table;
-}();
+}
 
 // Factors gathered in an exact double before they go into the long product.
 class FactorList {
@@ -131,7 +136,7 @@ private:
 }  // namespace
 
 double ProbabilityByFactorials(std::int64_t x, const HypergeometricCounts& c) {
-    const auto factorial = [](std::int64_t k) { return kFactorials[static_cast<std::size_t>(k)]; };
+    const auto factorial = [&table = Factorials()](std::int64_t k) { return table[static_cast<std::size_t>(k)]; };
     double above = 1;
     double below = 1;
     int exponent = 0;
