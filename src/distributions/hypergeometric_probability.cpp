@@ -6,6 +6,7 @@
 #include <boost/math/special_functions/factorials.hpp>
 
 #include "distributions/hypergeometric_kernel.hpp"
+#include "frame/platform.hpp"
 #include "frame/policies.hpp"
 
 namespace orvanth {
@@ -133,6 +134,12 @@ private:
     std::array<double, 5> below_;
 };
 
+// What the multiples of the primes themselves contribute; powers of primes are few.
+ORVANTH_VECTOR_CLONES
+void FirstPowers(const PrimePower& part, std::size_t count, const std::int32_t* primes, std::int32_t* powers) {
+    for (std::size_t i = 0; i < count; ++i) powers[i] = part.Of(static_cast<double>(primes[i]));
+}
+
 }  // namespace
 
 double ProbabilityByFactorials(std::int64_t x, const HypergeometricCounts& c) {
@@ -152,15 +159,30 @@ double ProbabilityByFactorials(std::int64_t x, const HypergeometricCounts& c) {
 }
 
 double ProbabilityByPrimes(std::int64_t x, const HypergeometricCounts& c) {
+    constexpr std::size_t kChunk = 500;
+    static_assert(kPrimeCount % kChunk == 0);
     const PrimePower part(x, c);
     FactorList above;
     FactorList below;
-    for (const std::int32_t prime : kPrimes) {
-        if (prime > c.N) break;
-        int power = 0;
-        for (std::int64_t base = prime; base <= c.N; base *= prime) power += part.Of(static_cast<double>(base));
-        for (; power > 0; --power) above.Add(prime);
-        for (; power < 0; ++power) below.Add(prime);
+    std::array<std::int32_t, kChunk> powers, up, down;
+    for (std::size_t first = 0; first < kPrimeCount && kPrimes[first] <= c.N; first += kChunk) {
+        FirstPowers(part, kChunk, kPrimes.data() + first, powers.data());
+        // Signs come at random: the primes are sorted by them without a branch. Few have more than one factor left.
+        std::size_t ups = 0, downs = 0;
+        for (std::size_t i = 0; i < kChunk; ++i) {
+            const std::int32_t prime = kPrimes[first + i];
+            int power = powers[i];
+            for (std::int64_t base = std::int64_t{prime} * prime; base <= c.N; base *= prime)
+                power += part.Of(static_cast<double>(base));
+            up[ups] = prime;
+            ups += power > 0;
+            down[downs] = prime;
+            downs += power < 0;
+            for (; power > 1; --power) above.Add(prime);
+            for (; power < -1; ++power) below.Add(prime);
+        }
+        for (std::size_t i = 0; i < ups; ++i) above.Add(up[i]);
+        for (std::size_t i = 0; i < downs; ++i) below.Add(down[i]);
     }
     return above.Finish().Over(below.Finish());
 }
