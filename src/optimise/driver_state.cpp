@@ -22,10 +22,6 @@ std::int64_t WorkspaceLength(std::int32_t n, std::int32_t m) {
     return length <= kLongest ? length : -1;
 }
 
-bool TaskHasPrefix(const LBFGSBDriverState& state, std::string_view text) {
-    return std::string_view(state.task, kTaskLength).starts_with(text);
-}
-
 void SetTask(LBFGSBDriverState& state, std::string_view text) {
     std::fill_n(std::copy(text.begin(), text.end(), state.task), kTaskLength - static_cast<int>(text.size()), ' ');
 }

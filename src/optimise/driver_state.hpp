@@ -46,7 +46,9 @@ namespace orvanth {
 std::int64_t WorkspaceLength(std::int32_t n, std::int32_t m);
 
 // Whether the first characters of the task are `text`.
-bool TaskHasPrefix(const LBFGSBDriverState& state, std::string_view text);
+inline bool TaskHasPrefix(const LBFGSBDriverState& state, std::string_view text) {
+    return std::string_view(state.task, kTaskLength).starts_with(text);
+}
 
 // `text` followed by blanks; the zero byte behind the 60 characters is left alone.
 void SetTask(LBFGSBDriverState& state, std::string_view text);
