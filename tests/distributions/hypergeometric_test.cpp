@@ -225,10 +225,11 @@ std::int64_t WalkOverEveryCount(double p, const HypergeometricCounts& counts) {
     return sum < p * (1 + 50 * 0x1p-52) && x != counts.Highest() ? x + 1 : x;
 }
 
-TEST(Hypergeometric, ZerosAreSkippedWithoutChangingTheWalk) {
+TEST(Hypergeometric, NegligibleTermsAreSkippedWithoutChangingTheWalk) {
     const HypergeometricCounts counts = {2000, 2000, 4000};
     ASSERT_EQ(HypergeometricProbability(300, counts), 0);
-    for (double p : {5e-324, 1e-323, 1e-320, 1e-310, 1e-308, 1e-306, 1e-300, 1e-100, 1e-10, 0.01, 0.4})
+    for (double p : {5e-324, 1e-323, 1e-320, 1e-310, 1e-308, 1e-306, 1e-300, 9.9e-286, 1e-285, 1.1e-285, 1e-280,
+                     1e-200, 1e-100, 1e-10, 0.01, 0.4})
         EXPECT_EQ(HypergeometricQuantile(p, 1 - p, counts), WalkOverEveryCount(p, counts)) << p;
     // The same from above, where the distribution is its own mirror image.
     for (double q : {1e-320, 1e-300, 1e-10, 0.01})
