@@ -23,13 +23,13 @@ bool IsInSupport(double x) {
 }  // namespace
 
 ORVANTH_API(double) BetaPDF(double x, double a, double b) {
-    SilentCall silent;
+    Silent silent;
     if (!HasValidParameters(a, b) || !IsInSupport(x)) return kNaN;
     return BetaDensity(a, b, x);
 }
 
 ORVANTH_API(double) BetaCDF(double x, double a, double b, TailFlag tail) {
-    SilentCall silent;
+    Silent silent;
     if (!HasValidParameters(a, b) || !IsInSupport(x)) return kNaN;
     if (x == 0) return IsSet(tail) ? 1 : 0;
     if (x == 1) return IsSet(tail) ? 0 : 1;
@@ -37,7 +37,7 @@ ORVANTH_API(double) BetaCDF(double x, double a, double b, TailFlag tail) {
 }
 
 ORVANTH_API(double) BetaICDF(double p, double a, double b, TailFlag tail) {
-    SilentCall silent;
+    Silent silent;
     if (!HasValidParameters(a, b) || !CheckProbability(kFunction, p)) return kNaN;
     if (p == 0) return IsSet(tail) ? 1 : 0;
     if (p == 1) return IsSet(tail) ? 0 : 1;

@@ -47,7 +47,7 @@ double UpperBound(double alpha, double successes, double trials) {
 }  // namespace
 
 ORVANTH_API(double) BinomialPDF(double k, double n, double p) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     CheckParameters(n, p);
     CheckSuccesses("boost::math::pdf(binomial_distribution<%1%> const&, %1%)", k, n);
     if (p == 0) return k == 0 ? 1 : 0;
@@ -59,14 +59,14 @@ ORVANTH_API(double) BinomialPDF(double k, double n, double p) {
 }
 
 ORVANTH_API(double) BinomialCDF(double k, double n, double p, TailFlag tail) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     CheckParameters(n, p);
     CheckSuccesses("boost::math::cdf(binomial_distribution<%1%> const&, %1%)", k, n);
     return BinomialTail(k, n, p, IsSet(tail));
 }
 
 ORVANTH_API(double) BinomialICDF(double probability, double n, double p, TailFlag tail, int32_t roundUp) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     CheckParameters(n, p);
     const double complement = 1 - probability;
     const double lower = IsSet(tail) ? complement : probability;
@@ -79,7 +79,7 @@ ORVANTH_API(double) BinomialICDF(double probability, double n, double p, TailFla
 }
 
 ORVANTH_API(double) BinomialPS(double alpha, double successes, double trials, int32_t boundSelector) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     switch (boundSelector) {
         case 0:
             return LowerBound(alpha, successes, trials);

@@ -21,7 +21,7 @@ bool HasValidParameters(double df1, double df2) {
 // The smaller of v/(v + df2) and its complement is the argument of the beta functions.
 
 ORVANTH_API(double) FisherFPDF(double x, double df1, double df2) {
-    SilentCall silent;
+    Silent silent;
     if (!HasValidParameters(df1, df2) || !CheckNonNegativeVariate(kFunction, x)) return kNaN;
     if (x == 0) return df1 < 2 ? RaiseOverflow(kFunction) : df1 == 2 ? 1 : 0;
     const double v = df1 * x;
@@ -31,7 +31,7 @@ ORVANTH_API(double) FisherFPDF(double x, double df1, double df2) {
 }
 
 ORVANTH_API(double) FisherFCDF(double x, double df1, double df2, TailFlag tail) {
-    SilentCall silent;
+    Silent silent;
     if (!HasValidParameters(df1, df2) || !CheckNonNegativeVariate(kFunction, x)) return kNaN;
     const double v = df1 * x;
     if (v <= df2) {
@@ -45,7 +45,7 @@ ORVANTH_API(double) FisherFCDF(double x, double df1, double df2, TailFlag tail) 
 // Required: the early return needs a bad df1 and everything else good; other bad input is left to
 // the inverse, which then leaves y at 0 or stores a NaN.
 ORVANTH_API(double) FisherFICDF(double p, double df1, double df2, TailFlag tail) {
-    SilentCall silent;
+    Silent silent;
     const bool firstIsValid = CheckDf(kFunction, df1);
     const bool secondIsValid = CheckDf(kFunction, df2);
     if (!firstIsValid && secondIsValid && CheckProbability(kFunction, p)) return kNaN;

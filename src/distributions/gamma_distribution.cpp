@@ -19,20 +19,20 @@ bool HasValidParameters(double shape, double scale) {
 }  // namespace
 
 ORVANTH_API(double) GammaPDF(double x, double shape, double scale) {
-    SilentCall silent;
+    Silent silent;
     if (!HasValidParameters(shape, scale) || !CheckNonNegativeVariate(kFunction, x)) return kNaN;
     if (x == 0) return 0;  // required, for every shape
     return GammaDensity(shape, x / scale) / scale;
 }
 
 ORVANTH_API(double) GammaCDF(double x, double shape, double scale, TailFlag tail) {
-    SilentCall silent;
+    Silent silent;
     if (!HasValidParameters(shape, scale) || !CheckNonNegativeVariate(kFunction, x)) return kNaN;
     return IsSet(tail) ? RegularizedGammaQ(shape, x / scale) : RegularizedGammaP(shape, x / scale);
 }
 
 ORVANTH_API(double) GammaICDF(double p, double shape, double scale, TailFlag tail) {
-    SilentCall silent;
+    Silent silent;
     if (!HasValidParameters(shape, scale) || !CheckProbability(kFunction, p)) return kNaN;
     if (p == (IsSet(tail) ? 0 : 1)) return RaiseOverflow(kFunction);
     return (IsSet(tail) ? InverseGammaQ(shape, p) : InverseGammaP(shape, p)) * scale;

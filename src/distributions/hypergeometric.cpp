@@ -61,19 +61,19 @@ std::int64_t MakeVariate(const char* function, double x, const HypergeometricCou
 }  // namespace
 
 ORVANTH_API(double) HypergeometricPDF(double x, double r, double n, double N) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     const HypergeometricCounts counts = MakeCounts(r, n, N);
     return HypergeometricProbability(MakeVariate(kPdf, x, counts), counts);
 }
 
 ORVANTH_API(double) HypergeometricCDF(double x, double r, double n, double N, TailFlag tail) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     const HypergeometricCounts counts = MakeCounts(r, n, N);
     return HypergeometricTail(MakeVariate(kCdf, x, counts), counts, IsSet(tail));
 }
 
 ORVANTH_API(double) HypergeometricICDF(double p, double r, double n, double N, TailFlag tail) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     const HypergeometricCounts counts = MakeCounts(r, n, N);
     if (!(p >= 0 && p <= 1))
         RaiseDomain(IsSet(tail) ? kUpperQuantile : kQuantile,

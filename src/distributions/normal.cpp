@@ -35,7 +35,7 @@ double RejectVariate(double x) {
 }  // namespace
 
 ORVANTH_API(double) NormalPDF(double x, double mean, double sd) {
-    SilentCall silent;
+    Silent silent;
     const bool valid = HasValidParameters(mean, sd);
     if (std::isinf(x)) return 0;  // ahead of all other answers
     if (!valid) return kNaN;
@@ -46,7 +46,7 @@ ORVANTH_API(double) NormalPDF(double x, double mean, double sd) {
 
 // The two tails differ in order: the upper one answers an infinite x ahead of the parameters.
 ORVANTH_API(double) NormalCDF(double x, double mean, double sd, TailFlag tail) {
-    SilentCall silent;
+    Silent silent;
     const bool valid = HasValidParameters(mean, sd);
     if (!IsSet(tail)) {
         if (!valid) return kNaN;
@@ -61,7 +61,7 @@ ORVANTH_API(double) NormalCDF(double x, double mean, double sd, TailFlag tail) {
 }
 
 ORVANTH_API(double) NormalICDF(double p, double mean, double sd, TailFlag tail) {
-    SilentCall silent;
+    Silent silent;
     if (!HasValidParameters(mean, sd)) return kNaN;
     if (!(p >= 0 && p <= 1))
         return RaiseDomain("boost::math::quantile(const normal_distribution<%1%>&, %1%)",

@@ -31,14 +31,14 @@ double Quantile(double p, double df) {
     if (!CheckProbability(kFunction, p)) return kNaN;
     // Half of the probability lies beyond every double.
     if (df < kTinyDf) return p < 0.5 ? -RaiseOverflow(kFunction) : RaiseOverflow(kFunction);
-    return boost::math::quantile(boost::math::students_t_distribution<double, BoundaryPolicy>(df), p);
+    return boost::math::quantile(boost::math::students_t_distribution<double, DefaultPolicy>(df), p);
 }
 
 }  // namespace
 
 // x is not tested: an infinite one gives 0, a NaN passes through.
 ORVANTH_API(double) StudentTPDF(double x, double df) {
-    SilentCall silent;
+    Silent silent;
     if (!CheckDf(kFunction, df)) return kNaN;
     const double u = x * x / df;
     const double kernel = u < 0.125 ? std::exp(-std::log1p(u) * (df + 1) / 2) : std::pow(1 / (1 + u), (df + 1) / 2);
@@ -47,14 +47,14 @@ ORVANTH_API(double) StudentTPDF(double x, double df) {
 
 // Symmetry stands in for a complement.
 ORVANTH_API(double) StudentTCDF(double x, double df, TailFlag tail) {
-    SilentCall silent;
+    Silent silent;
     if (!CheckDf(kFunction, df)) return kNaN;
     return Cumulative(IsSet(tail) ? -x : x, df);
 }
 
 // Required: the early return needs a bad df and a good p; otherwise the quantile sees p as it is.
 ORVANTH_API(double) StudentTICDF(double p, double df, TailFlag tail) {
-    SilentCall silent;
+    Silent silent;
     const bool valid = CheckDf(kFunction, df);
     if (!valid) {
         CheckProbability(kFunction, p);

@@ -10,7 +10,7 @@
 
 namespace orvanth {
 
-constinit ORVANTH_THREAD_LOCAL SilentCall* SilentCall::current_ = nullptr;
+constinit ORVANTH_THREAD_LOCAL Silent* Silent::current_ = nullptr;
 
 namespace {
 
@@ -48,7 +48,7 @@ template <class Error>
 }  // namespace
 
 double RaiseDomain(const char* function, const char* message, double value, const char* type) {
-    if (SilentCall* silent = SilentCall::Current()) {
+    if (Silent* silent = Silent::Current()) {
         silent->Note(EDOM);
         return kNaN;
     }
@@ -56,7 +56,7 @@ double RaiseDomain(const char* function, const char* message, double value, cons
 }
 
 double RaiseOverflow(const char* function, const char* message, const char* type) {
-    if (SilentCall* silent = SilentCall::Current()) {
+    if (Silent* silent = Silent::Current()) {
         silent->Note(ERANGE);
         return kInfinity;
     }
@@ -64,7 +64,7 @@ double RaiseOverflow(const char* function, const char* message, const char* type
 }
 
 double RaiseEvaluation(const char* function, const char* message, double reached, const char* type) {
-    if (SilentCall* silent = SilentCall::Current()) {
+    if (Silent* silent = Silent::Current()) {
         silent->Note(EDOM);
         return reached;
     }

@@ -1,8 +1,8 @@
 // The error policies and the one place where failure is raised.
 //
-// Boost.Math runs under one of four policy types. All of them send what Boost detects to this
-// file, where it is either thrown or, for the extent of a SilentCall, noted in errno. Evaluation
-// is in 64-bit double; the texts name the type that each function is documented with.
+// All policy types send what Boost.Math detects to this file. There it is thrown, or noted in errno
+// while a Silent object is alive on the calling thread. Evaluation is in 64-bit double. The messages
+// name the type that each function is documented with.
 #ifndef ORVANTH_FRAME_POLICIES_HPP
 #define ORVANTH_FRAME_POLICIES_HPP
 
@@ -20,18 +20,13 @@ namespace orvanth {
 
 namespace bmp = boost::math::policies;
 
-// Failures throw.
+// What Boost detects goes to the handlers at the end of this file.
 using DefaultPolicy =
     bmp::policy<bmp::domain_error<bmp::user_error>, bmp::pole_error<bmp::user_error>,
                 bmp::overflow_error<bmp::user_error>, bmp::underflow_error<bmp::ignore_error>,
                 bmp::denorm_error<bmp::ignore_error>, bmp::evaluation_error<bmp::user_error>,
                 bmp::rounding_error<bmp::user_error>, bmp::indeterminate_result_error<bmp::ignore_error>,
                 bmp::promote_float<true>, bmp::promote_double<false>>;
-
-// Failures set errno and answer with a NaN, an infinity or the value reached; rounding errors
-// throw all the same. Boost reports both policies' failures to the same handlers, so a call under
-// this policy stands inside a SilentCall; max_root_iterations only keeps the two types apart.
-using BoundaryPolicy = bmp::normalise<DefaultPolicy, bmp::max_root_iterations<200>>::type;
 
 using RoundDownPolicy = bmp::normalise<DefaultPolicy, bmp::discrete_quantile<bmp::integer_round_down>>::type;
 using RoundUpPolicy = bmp::normalise<DefaultPolicy, bmp::discrete_quantile<bmp::integer_round_up>>::type;
@@ -44,47 +39,47 @@ inline constexpr double kLargest = std::numeric_limits<double>::max();
 inline constexpr const char* kDouble = "double";
 inline constexpr const char* kLongDouble = "long double";
 
-// errno after the call is errno before it: what the C runtime's exp, log or pow stores on the way
-// does not reach the caller. The first object of every export that computes with them and throws.
-class ErrnoKeeper {
+// The first object of every export whose failures throw. Its destructor puts errno back: what the C
+// runtime's exp, log or pow stored on the way does not reach the caller.
+class Throwing {
 public:
-    ErrnoKeeper() noexcept : before_(errno) {}
-    ~ErrnoKeeper() { errno = before_; }
-    ErrnoKeeper(const ErrnoKeeper&) = delete;
-    ErrnoKeeper& operator=(const ErrnoKeeper&) = delete;
+    Throwing() noexcept : before_(errno) {}
+    ~Throwing() { errno = before_; }
+    Throwing(const Throwing&) = delete;
+    Throwing& operator=(const Throwing&) = delete;
 
 private:
     int before_;
 };
 
-// The extent in which failures are silent: the first object of every export under BoundaryPolicy.
-// On leaving, errno is the last failure noted, or what it was before; the runtime's own stores are
-// dropped. Objects nest.
-class SilentCall {
+// While this object is alive, failures on this thread set errno and do not throw. The first object of
+// every silent export. Its destructor sets errno to the last failure noted, or to its value before;
+// what the C runtime stored on the way is dropped. Objects nest.
+class Silent {
 public:
-    SilentCall() noexcept : outer_(current_), errno_(errno) { current_ = this; }
-    ~SilentCall() {
+    Silent() noexcept : outer_(current_), errno_(errno) { current_ = this; }
+    ~Silent() {
         errno = errno_;
         current_ = outer_;
         if (noted_ && outer_ != nullptr) outer_->Note(errno_);
     }
-    SilentCall(const SilentCall&) = delete;
-    SilentCall& operator=(const SilentCall&) = delete;
+    Silent(const Silent&) = delete;
+    Silent& operator=(const Silent&) = delete;
 
     void Note(int code) noexcept {
         errno_ = code;
         noted_ = true;
     }
-    static SilentCall* Current() noexcept { return current_; }
+    static Silent* Current() noexcept { return current_; }
 
 private:
-    static constinit ORVANTH_THREAD_LOCAL SilentCall* current_;
-    SilentCall* outer_;
+    static constinit ORVANTH_THREAD_LOCAL Silent* current_;
+    Silent* outer_;
     int errno_;
     bool noted_ = false;
 };
 
-// Raised inside a SilentCall these note 33 or 34 and return; elsewhere they throw. The texts are
+// While a Silent object is alive these note 33 or 34 and return; elsewhere they throw. The texts are
 // templates: %1% in `function` is the type name, %1% in `message` the value with 17 digits.
 // Return values: NaN; an infinity; the value reached.
 double RaiseDomain(const char* function, const char* message, double value, const char* type = kDouble);

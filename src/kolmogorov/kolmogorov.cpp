@@ -81,14 +81,14 @@ double KolmogorovComplement(std::int32_t n, double x) {
 using namespace orvanth;
 
 ORVANTH_API(double) KolmogorovCDF(double x, double n, int32_t complement) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     const bool upper = IsWholeWordSet(complement);
     if (x < 0) return upper ? 1.0 : 0.0;
     return kolmogorov::Tail(upper, kolmogorov::Truncated(n), x);
 }
 
 ORVANTH_API(double) KolmogorovICDF(double p, double n, int32_t complement) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     const kolmogorov::KolmogorovRootFunction function{IsWholeWordSet(complement), p, n};
     const double start = 1.36 / std::sqrt(n);
     if (!(p >= 0 && p <= 1) || kolmogorov::Truncated(n) < 0) return kolmogorov::RaiseUnbracketed(function, start);

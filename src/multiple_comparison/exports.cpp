@@ -9,14 +9,14 @@ namespace {
 
 template <class Distribution>
 double Cumulative(double x, std::int32_t k, double df, const double* lambda, TailFlag tail) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     const double c = Distribution(k, df, lambda).CDF(x);
     return IsSet(tail) ? 1.0 - c : c;
 }
 
 template <class Distribution>
 double Quantile(double p, std::int32_t k, double df, const double* lambda, TailFlag tail) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     return Distribution(k, df, lambda).ICDF(IsSet(tail) ? 1.0 - p : p);
 }
 

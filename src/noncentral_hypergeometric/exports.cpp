@@ -40,7 +40,7 @@ Table MakeTable(const FNCRecord& record) {
 
 ORVANTH_API(double)
 FNCHypergeometricCDF(int32_t x, int32_t n, int32_t m, int32_t N, double odds, TailFlag tail, double accuracy) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     const FNCRecord record(n, m, N, odds, accuracy);
     Table table = MakeTable(record);  // required: this export never releases it
     if (table.IsEmpty()) return FncInvalidValue;
@@ -62,7 +62,7 @@ FNCHypergeometricCDF(int32_t x, int32_t n, int32_t m, int32_t N, double odds, Ta
 
 ORVANTH_API(double)
 FNCHypergeometricICDF(double p, int32_t n, int32_t m, int32_t N, double odds, TailFlag tail, double accuracy) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     const FNCRecord record(n, m, N, odds, accuracy);
     Table table = MakeTable(record);
     if (table.IsEmpty()) return FncInvalidValue;
@@ -88,7 +88,7 @@ FNCHypergeometricICDF(double p, int32_t n, int32_t m, int32_t N, double odds, Ta
 
 ORVANTH_API(void)
 FNCHypergeometricMoments(int32_t n, int32_t m, int32_t N, double odds, double* mean, double* variance) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     FNCRecord record(n, m, N, odds, kMomentsAccuracy);
     FNCExactMoments(record, mean, variance);
 }

@@ -186,41 +186,41 @@ double InverseBetaC(double a, double b, double q, double* complement) {
 using namespace orvanth;
 
 ORVANTH_API(double) Beta(double a, double b) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     return BetaFunction(a, b);
 }
 
 ORVANTH_API(double) BetaRegularized(double a, double b, double x) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     return RegularizedBeta(a, b, x);
 }
 
 ORVANTH_API(double) BetaRegularizedC(double a, double b, double x) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     return RegularizedBetaC(a, b, x);
 }
 
 ORVANTH_API(double) BetaDerivative(double a, double b, double x) {
-    SilentCall silent;
+    Silent silent;
     return BetaDensity(a, b, x);
 }
 
 ORVANTH_API(double) InverseBetaRegularized(double a, double b, double p) {
-    SilentCall silent;
+    Silent silent;
     return InverseBeta(a, b, p, nullptr);
 }
 
 ORVANTH_API(void) InverseBetaRegularized2(double a, double b, double p, double* result, double* complement) {
-    SilentCall silent;
+    Silent silent;
     *result = InverseBeta(a, b, p, complement);
 }
 
 ORVANTH_API(double) InverseBetaRegularizedC(double a, double b, double q) {
-    SilentCall silent;
+    Silent silent;
     return InverseBetaC(a, b, q, nullptr);
 }
 
 ORVANTH_API(void) InverseBetaRegularizedC2(double a, double b, double q, double* result, double* complement) {
-    SilentCall silent;
+    Silent silent;
     *result = InverseBetaC(a, b, q, complement);
 }

@@ -1,5 +1,5 @@
 // The beta family as exports and distributions call it. Failures are those of the surrounding
-// call: thrown, or noted inside a SilentCall, where the calculation goes on and is a NaN in the end.
+// call: thrown, or noted inside a Silent, where the calculation goes on and is a NaN in the end.
 #ifndef ORVANTH_SPECIAL_BETA_HPP
 #define ORVANTH_SPECIAL_BETA_HPP
 

@@ -16,16 +16,16 @@ constexpr const char* kOutsideRange = "Argument outside range [0,2] in inverse e
 // Required: outside the range the calculation goes on; no x exists there, and it ends in a NaN.
 double InverseErfValue(double p) {
     if (p < -1 || p > 1) return RaiseDomain(kInverse, kOutsideRange, p, kLongDouble);
-    return boost::math::erf_inv(p, BoundaryPolicy());
+    return boost::math::erf_inv(p, DefaultPolicy());
 }
 
 }  // namespace
 
-double ErfCValue(double x) { return std::isnan(x) ? x : boost::math::erfc(ErfReal(x), BoundaryPolicy()).value; }
+double ErfCValue(double x) { return std::isnan(x) ? x : boost::math::erfc(ErfReal(x), DefaultPolicy()).value; }
 
 double InverseErfCValue(double z) {
     if (z < 0 || z > 2) return RaiseDomain(kInverse, kOutsideRange, z, kLongDouble);
-    return boost::math::erfc_inv(z, BoundaryPolicy());
+    return boost::math::erfc_inv(z, DefaultPolicy());
 }
 
 }  // namespace orvanth
@@ -33,28 +33,28 @@ double InverseErfCValue(double z) {
 using namespace orvanth;
 
 ORVANTH_API(double) Erf(double x) {
-    SilentCall silent;
+    Silent silent;
     if (std::isnan(x)) return x;
-    return boost::math::erf(ErfReal(x), BoundaryPolicy()).value;
+    return boost::math::erf(ErfReal(x), DefaultPolicy()).value;
 }
 
 ORVANTH_API(double) ErfC(double x) {
-    SilentCall silent;
+    Silent silent;
     return ErfCValue(x);
 }
 
 ORVANTH_API(double) InverseErf(double p) {
-    SilentCall silent;
+    Silent silent;
     return InverseErfValue(p);
 }
 
 ORVANTH_API(double) InverseErfC(double z) {
-    SilentCall silent;
+    Silent silent;
     return InverseErfCValue(z);
 }
 
 ORVANTH_API(double) LogXplus1(double x) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     constexpr const char* function = "log1p<%1%>(%1%)";
     if (x < -1) RaiseDomain(function, "log1p(x) requires x > -1, but got x = %1%.", x);
     if (x == -1) RaiseOverflow(function);

@@ -121,18 +121,18 @@ double InverseGammaQ(double a, double q) {
 using namespace orvanth;
 
 ORVANTH_API(double) Gamma(double x) {
-    SilentCall silent;
+    Silent silent;
     // Required: these two leave errno alone.
     if (x < 0 || x > kLargestGammaArgument) return kNaN;
     if (x == 0) return kInfinity;
     if (std::isnan(x)) return x;
     constexpr const char* function = "boost::math::tgamma<%1%>(%1%)";
     if (x < kTiny && std::isinf(boost::math::lanczos::lanczos13m53::lanczos_sum(x))) return RaiseOverflow(function);
-    return Narrow(boost::math::tgamma(x, BoundaryPolicy()), function);
+    return Narrow(boost::math::tgamma(x, DefaultPolicy()), function);
 }
 
 ORVANTH_API(double) GammaLn(double x) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     constexpr const char* function = "boost::math::lgamma<%1%>(%1%)";
     if (std::isnan(x)) return x;
     if (x <= 0 && std::floor(x) == x)
@@ -142,36 +142,36 @@ ORVANTH_API(double) GammaLn(double x) {
 }
 
 ORVANTH_API(double) GammaRegularized(double a, double x) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     return RegularizedGammaP(a, x);
 }
 
 ORVANTH_API(double) GammaRegularizedC(double a, double x) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     return RegularizedGammaQ(a, x);
 }
 
 ORVANTH_API(double) GammaDerivative(double a, double x) {
-    ErrnoKeeper keep;
+    Throwing throwing;
     return GammaDensity(a, x);
 }
 
 ORVANTH_API(double) IncompleteGammaLower(double a, double x) {
-    SilentCall silent;
+    Silent silent;
     return IncompleteGamma(a, x, false);
 }
 
 ORVANTH_API(double) IncompleteGammaUpper(double a, double x) {
-    SilentCall silent;
+    Silent silent;
     return IncompleteGamma(a, x, true);
 }
 
 ORVANTH_API(double) InverseGammaRegularized(double a, double p) {
-    SilentCall silent;
+    Silent silent;
     return InverseGammaP(a, p);
 }
 
 ORVANTH_API(double) InverseGammaRegularizedC(double a, double q) {
-    SilentCall silent;
+    Silent silent;
     return InverseGammaQ(a, q);
 }

@@ -87,21 +87,6 @@ std::vector<Row> ReadRows(const std::string& path) {
     return rows;
 }
 
-std::map<std::string, Correction> ReadCorrections(const std::string& path) {
-    std::ifstream file(path);
-    if (!file) throw std::runtime_error("cannot read " + path);
-    std::map<std::string, Correction> corrections;
-    std::string line;
-    while (std::getline(file, line)) {
-        if (line.empty() || line.front() == '#') continue;
-        const std::vector<std::string> columns = Split(line, '\t');
-        if (columns.size() != 4)
-            throw std::runtime_error(path + ": row, result, tol and derivation are needed: " + line);
-        corrections[columns[0]] = {columns[1], columns[2], columns[3]};
-    }
-    return corrections;
-}
-
 std::string Judge(const Row& row, const Outcome& outcome, int errnoBefore, double& relativeError) {
     relativeError = 0;
     const int wantErrno = row.errnoAfter == "*"   ? outcome.errnoAfter

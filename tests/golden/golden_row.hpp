@@ -2,7 +2,6 @@
 #ifndef ORVANTH_TESTS_GOLDEN_ROW_HPP
 #define ORVANTH_TESTS_GOLDEN_ROW_HPP
 
-#include <map>
 #include <string>
 #include <vector>
 
@@ -19,13 +18,6 @@ struct Row {
     std::string tolerance;
 };
 
-// What a disputed row should say.
-struct Correction {
-    std::string result;
-    std::string tolerance;
-    std::string derivation;
-};
-
 // What a call left behind.
 struct Outcome {
     std::string exceptionClass;  // empty: returned
@@ -39,7 +31,6 @@ struct Outcome {
 inline constexpr double kOutputBefore = -12345.0;
 
 std::vector<Row> ReadRows(const std::string& path);
-std::map<std::string, Correction> ReadCorrections(const std::string& path);  // by file:line
 double ParseDouble(const std::string& text);
 std::vector<double> ParseArray(const std::string& text);
 

@@ -33,8 +33,8 @@ TEST(Erf, HasTheBitsOfTheDirectCall) {
     std::mt19937_64 random(kSeed);
     std::uniform_real_distribution<double> point(-28.5, 28.5), decimal(-320, 2);
     const auto agree = [](double x) {
-        EXPECT_EQ(Erf(x), boost::math::erf(x, BoundaryPolicy())) << std::hexfloat << x;
-        EXPECT_EQ(ErfC(x), boost::math::erfc(x, BoundaryPolicy())) << std::hexfloat << x;
+        EXPECT_EQ(Erf(x), boost::math::erf(x, DefaultPolicy())) << std::hexfloat << x;
+        EXPECT_EQ(ErfC(x), boost::math::erfc(x, DefaultPolicy())) << std::hexfloat << x;
     };
     for (int i = 0; i < 200000; ++i) agree(point(random) / (i % 4 + 1));
     for (int i = 0; i < 20000; ++i) agree(std::copysign(std::pow(10.0, decimal(random)), i % 2 - 0.5));
