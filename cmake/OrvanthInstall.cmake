@@ -1,7 +1,7 @@
 # cmake --install: headers, library, pkg-config file and CMake package.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS core_math EXPORT OrvanthCoreMathTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS core_math core_math_shield EXPORT OrvanthCoreMathTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/orvanth DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT OrvanthCoreMathTargets NAMESPACE Orvanth::
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvanthCoreMath)
