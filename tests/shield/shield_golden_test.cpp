@@ -32,7 +32,9 @@ const std::map<std::string, std::vector<Row>>& Rows() {
 }
 
 // All NaNs are one: where the export throws, the shield gives a quiet one.
-std::uint64_t Bits(double value) { return std::isnan(value) ? 0x7FF8000000000000 : std::bit_cast<std::uint64_t>(value); }
+std::uint64_t Bits(double value) {
+    return std::isnan(value) ? 0x7FF8000000000000 : std::bit_cast<std::uint64_t>(value);
+}
 
 std::int32_t StatusOf(const std::string& exceptionClass) {
     if (exceptionClass == "std::domain_error") return ORVANTH_STATUS_DOMAIN;
@@ -62,7 +64,7 @@ void ExpectSafe(const Row& row, const Outcome& plain, const Outcome& safe, int e
         EXPECT_EQ(status, plain.errnoAfter == 34 ? ORVANTH_STATUS_OVERFLOW : ORVANTH_STATUS_DOMAIN) << row.place;
         EXPECT_TRUE(text.starts_with(row.name + "(")) << row.place << ": " << text;
     } else if (status != ORVANTH_STATUS_OK) {
-        EXPECT_EQ(status, ORVANTH_STATUS_NOVALUE) << row.place << ": " << text;
+        EXPECT_EQ(status, ORVANTH_STATUS_NO_VALUE) << row.place << ": " << text;
     } else {
         EXPECT_EQ(text, "") << row.place;
     }
@@ -126,8 +128,9 @@ Cells CellsOf(const Row& row, void (*)(Arguments...)) {
 
 // A TailFlag of a row that no byte holds is refused by the array forms: that is tested elsewhere.
 bool HasWideFlag(const Row& row) {
-    return std::any_of(row.arguments.begin(), row.arguments.end(),
-                       [](const std::string& text) { return text == "256" || text == "512" || text == "-256"; });
+    return std::any_of(row.arguments.begin(), row.arguments.end(), [](const std::string& text) {
+        return text == "256" || text == "257" || text == "512" || text == "-256";
+    });
 }
 
 using Each = void (*)(char* const*, const intptr_t*, const intptr_t*, EachReport*);
@@ -170,7 +173,9 @@ void CompareEach(const char* name, Result (*safe)(Arguments...), Each each) {
         for (std::size_t i = 0; i < batch; ++i) {
             const Outcome alone = Invoke(safe, rows[first + i], 0);
             for (std::size_t k = 0; k < outputs; ++k)
-                EXPECT_EQ(Bits(results[k][i]), Bits(alone.values[k])) << rows[first + i].place;
+                // Where a call leaves an out-pointer as it was, the array has a NaN.
+                EXPECT_EQ(Bits(results[k][i]), Bits(alone.values[k] == kOutputBefore ? NAN : alone.values[k]))
+                    << rows[first + i].place;
             if (LastStatus() != ORVANTH_STATUS_OK && failures++ == 0) {
                 EXPECT_EQ(report.first, static_cast<intptr_t>(i)) << rows[first + i].place;
                 EXPECT_EQ(report.status, LastStatus()) << rows[first + i].place;
@@ -178,7 +183,9 @@ void CompareEach(const char* name, Result (*safe)(Arguments...), Each each) {
             }
         }
         EXPECT_EQ(report.failures, failures) << name;
-        if (failures == 0) EXPECT_STREQ(report.text, "") << name;
+        if (failures == 0) {
+            EXPECT_STREQ(report.text, "") << name;
+        }
     }
 }
 

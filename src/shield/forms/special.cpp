@@ -24,11 +24,13 @@ constexpr Facts kBetaDerivative{.name = "BetaDerivative", .arguments = {"a", "b"
 constexpr Facts kInverseBetaRegularized{.name = "InverseBetaRegularized", .arguments = {"a", "b", "p"},
                                         .isSilent = true};
 constexpr Facts kInverseBetaRegularized2{.name = "InverseBetaRegularized2",
-                                         .arguments = {"a", "b", "p", "result", "complement"}, .isSilent = true};
+                                         .arguments = {"a", "b", "p", "result", "complement"}, .isSilent = true,
+                                         .nullable = 16};
 constexpr Facts kInverseBetaRegularizedC{.name = "InverseBetaRegularizedC", .arguments = {"a", "b", "q"},
                                          .isSilent = true};
 constexpr Facts kInverseBetaRegularizedC2{.name = "InverseBetaRegularizedC2",
-                                          .arguments = {"a", "b", "q", "result", "complement"}, .isSilent = true};
+                                          .arguments = {"a", "b", "q", "result", "complement"}, .isSilent = true,
+                                          .nullable = 16};
 constexpr Facts kErf{.name = "Erf", .arguments = {"x"}, .isSilent = true};
 constexpr Facts kErfC{.name = "ErfC", .arguments = {"x"}, .isSilent = true};
 constexpr Facts kInverseErf{.name = "InverseErf", .arguments = {"p"}, .isSilent = true};
