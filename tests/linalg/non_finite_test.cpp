@@ -154,7 +154,7 @@ TEST_F(NonFinite, WorkLengthOfAnSVDIsTheSmallestThatLapackAccepts) {
     const auto status = [](SvdVectors vectors, int m, int n, std::int64_t length) {
         Matrix a(m, n), u(m, m), vt(n, n);
         FillBy(a, [](int i, int j) { return i == j ? 1.0 : 0.0; });
-        std::vector<double> s(60), work(static_cast<std::size_t>(length));
+        std::vector<double> s(60), work(static_cast<std::size_t>(length) + 1);
         std::vector<std::int32_t> intWork(1000);
         const char jobz = static_cast<char>(vectors);
         const auto workLength = static_cast<std::int32_t>(length);
