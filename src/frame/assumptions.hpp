@@ -1,4 +1,4 @@
-// What the library takes for granted of compiler and platform, checked at compile time.
+// Properties of the compiler and the platform that the library relies on, checked at compile time.
 #ifndef ORVANTH_FRAME_ASSUMPTIONS_HPP
 #define ORVANTH_FRAME_ASSUMPTIONS_HPP
 
