@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include <boost/multiprecision/cpp_bin_float.hpp>
@@ -169,7 +170,7 @@ TEST(CalcFloorCeil, AHalfTakesTheSecondCase) {
 }
 
 // The recursion as written down, one sum after the other. A row is scaled when an element of it is below scaleBelow.
-double PlainPomeranz(std::int32_t n, double x, double scaleBelow = 1e-280) {
+double PlainPomeranz(std::int32_t n, double x, double scaleBelow = 1e-280, double stepTolerance = 1e-15) {
     const double scale = std::ldexp(1.0, 350), t = n * x;
     const std::size_t width = static_cast<std::size_t>(n) + 2;
     const Limits limits(n, t);
@@ -190,7 +191,7 @@ double PlainPomeranz(std::int32_t n, double x, double scaleBelow = 1e-280) {
         const std::int32_t kup0 = static_cast<std::int32_t>(limits.ceilings[i - 1]);
         const double w = (A[i] - A[i - 1]) / n;
         std::size_t s = 0;
-        while (!(std::fabs(w - H[s][1]) <= 1e-15)) ++s;
+        while (!(std::fabs(w - H[s][1]) <= stepTolerance)) ++s;
         r1 = 1 - r1;
         r2 = 1 - r2;
         double smallest = scale;
@@ -230,6 +231,14 @@ TEST(Pomeranz, ARowIsScaledWhenAnElementFallsBelowTenToTheMinus280) {
     EXPECT_NE(Pomeranz(199, 0.125), PlainPomeranz(199, 0.125, 1e-279));
     EXPECT_EQ(Pomeranz(202, 0.0614), PlainPomeranz(202, 0.0614));
     EXPECT_NE(Pomeranz(202, 0.0614), PlainPomeranz(202, 0.0614, 1e-281));
+}
+
+TEST(Pomeranz, StepsAreToldApartByTenToTheMinus15) {
+    // n x is a little above 15, so three of the four steps differ by about 1e-15 to 1e-14.
+    for (const auto& [n, x] : {std::pair{20, 0.75000000000000244}, {60, 0.250000000000001}}) {
+        EXPECT_EQ(Pomeranz(n, x), PlainPomeranz(n, x)) << n;
+        EXPECT_NE(Pomeranz(n, x), PlainPomeranz(n, x, 1e-280, 1e-14)) << n;
+    }
 }
 
 TEST(Pomeranz, ALogarithmAtOrAboveZeroGivesExactlyOne) {

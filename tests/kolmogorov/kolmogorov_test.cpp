@@ -94,7 +94,18 @@ TEST(KolmogorovCDF, EachRegionTakesTheMethodOfTheDecisionTable) {
     EXPECT_EQ(KolmogorovComplement(141, At(141, 2.21)), 2.0 * SmirnovUpperTail(141, At(141, 2.21)));
     EXPECT_EQ(KolmogorovComplement(141, At(141, 2.19)), 1.0 - PelzGood(141, At(141, 2.19)));
     EXPECT_EQ(KolmogorovComplement(140, At(140, 2.21)), 1.0 - Pomeranz(140, At(140, 2.21)));
-    // n^2 x^3 <= 2 up to n = 100000.
+    for (std::int32_t n : {20, 60, 140}) {
+        const double below = At(n, 0.7546929), above = At(n, 0.7546931);
+        EXPECT_EQ(KolmogorovCumulative(n, below), DurbinMatrix(n, below)) << n;
+        EXPECT_EQ(KolmogorovCumulative(n, above), Pomeranz(n, above)) << n;
+        EXPECT_NE(Pomeranz(n, below), DurbinMatrix(n, below)) << n;
+        EXPECT_NE(Pomeranz(n, above), DurbinMatrix(n, above)) << n;
+    }
+    // n^2 x^3 = 2 divides matrix and series.
+    const double inside = std::cbrt(1.9999 / 1e6), outside = std::cbrt(2.0001 / 1e6);
+    EXPECT_EQ(KolmogorovCumulative(1000, inside), DurbinMatrix(1000, inside));
+    EXPECT_EQ(KolmogorovCumulative(1000, outside), PelzGood(1000, outside));
+    // The matrix serves samples up to n = 100000.
     const double x = std::cbrt(1.99 / 1e10);
     EXPECT_EQ(KolmogorovCumulative(100000, x), DurbinMatrix(100000, x));
     EXPECT_EQ(KolmogorovCumulative(100001, x), PelzGood(100001, x));
@@ -165,6 +176,27 @@ TEST(KolmogorovCDF, EveryBitPatternIsAnsweredByAProbabilityOrNaN) {
 TEST(KolmogorovCDF, UnderflowOfTheRuntimeDoesNotReachErrno) {
     EXPECT_EQ(CallWithErrno(0, [] { return KolmogorovCDF(0.6, 1000, 1); }).errnoAfter, 0);
     EXPECT_EQ(CallWithErrno(0, [] { return KolmogorovCDF(0.0006, 1000, 0); }).errnoAfter, 0);
+}
+
+TEST(KolmogorovICDF, TheSearchHas24BitsAGrowthOf2AndACapOf100) {
+    const auto search = [](double p, double n, int bits, double growth, std::uintmax_t cap) {
+        const auto [a, b] = boost::math::tools::bracket_and_solve_root(
+            [=](double x) { return KolmogorovCDF(x, n, 0) - p; }, 1.36 / std::sqrt(n), growth, true,
+            boost::math::tools::eps_tolerance<double>(bits), cap, DefaultPolicy());
+        return (b - a) * 0.5 + a;
+    };
+    int bitsShow = 0, growthShows = 0;
+    for (double p : {0.01, 0.1, 0.3, 0.5, 0.7, 0.9, 0.99})
+        for (double n : {10.0, 50.0, 300.0, 5000.0}) {
+            EXPECT_EQ(KolmogorovICDF(p, n, 0), search(p, n, 24, 2.0, 100)) << p << " " << n;
+            bitsShow += KolmogorovICDF(p, n, 0) != search(p, n, 23, 2.0, 100);
+            growthShows += KolmogorovICDF(p, n, 0) != search(p, n, 24, 3.0, 100);
+        }
+    EXPECT_GT(bitsShow, 0);
+    EXPECT_GT(growthShows, 0);
+    // The cap is reached only where the start lies far off, for a size that no sample has.
+    EXPECT_EQ(KolmogorovICDF(0.5, 1e-150, 0), search(0.5, 1e-150, 24, 2.0, 100));
+    EXPECT_NE(KolmogorovICDF(0.5, 1e-150, 0), search(0.5, 1e-150, 24, 2.0, 99));
 }
 
 TEST(KolmogorovICDF, BothTailsGiveTheSamePoint) {

@@ -158,13 +158,13 @@ TEST(FNCTableLength, NothingWhereNoDistributionExists) {
 }
 
 TEST(FNCHypergeometric, ADeviationThatRoundsToNoEntryLeavesTheMode) {
-    // A support of 301 points, all but 0.003 of the probability at its upper end.
-    const FNCRecord record(300, 300, 5000, 1e8, 1e-8);
+    // A support of 301 points, all but 2e-6 of the probability at its upper end.
+    const FNCRecord record(300, 400, 1000, 1e9, 1e-8);
     ASSERT_LT(std::sqrt(FNCVariance(record)) * FNCNumSD(1e-8) + 0.5, 1);
     EXPECT_EQ(FNCTableLength(record), 1);
-    for (double p : {0.0, 0.5, 1.0}) EXPECT_EQ(FNCHypergeometricICDF(p, 300, 300, 5000, 1e8, 0, 1e-8), 300);
-    EXPECT_EQ(FNCHypergeometricCDF(300, 300, 300, 5000, 1e8, 0, 1e-8), 1.0);
-    EXPECT_EQ(FNCHypergeometricCDF(299, 300, 300, 5000, 1e8, 0, 1e-8), 0.0);
+    for (double p : {0.0, 0.5, 1.0}) EXPECT_EQ(FNCHypergeometricICDF(p, 300, 400, 1000, 1e9, 0, 1e-8), 300);
+    EXPECT_EQ(FNCHypergeometricCDF(300, 300, 400, 1000, 1e9, 0, 1e-8), 1.0);
+    EXPECT_EQ(FNCHypergeometricCDF(299, 300, 400, 1000, 1e9, 0, 1e-8), 0.0);
 }
 
 TEST(FNCMakeTable, ACutoffOfZeroNeverStopsAWalk) {
