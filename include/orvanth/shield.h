@@ -275,7 +275,7 @@ ORVANTH_SHIELD_API(void) EachHypergeometricICDF(char* const* pointers, const int
 ORVANTH_SHIELD_API(double) SafeKolmogorovCDF(double x, double n, int32_t complement);
 ORVANTH_SHIELD_API(void) EachKolmogorovCDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                            EachReport* report);
-/** Quantile of the Kolmogorov statistic D_n. */
+/** Quantile of the Kolmogorov statistic D_n for a finite sample. */
 ORVANTH_SHIELD_API(double) SafeKolmogorovICDF(double p, double n, int32_t complement);
 ORVANTH_SHIELD_API(void) EachKolmogorovICDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                             EachReport* report);
