@@ -23,12 +23,12 @@ struct ColumnByColumn {
         if (info != 0) return;
         const std::int32_t one = 1, length = 10000;
         std::vector<double> work(10000);
-        LAPACK_dormqr("Left", "Transpose", &m, &one, &n, a.Data(), &a.descriptor.leadingDimension, tau.data(),
-                      b.Data(), &b.descriptor.leadingDimension, work.data(), &length, &info);
+        LAPACK_dormqr("Left", "Transpose", &m, &one, &n, &a(0, 0), &a.descriptor.leadingDimension, tau.data(),
+                      &b(0, 0), &b.descriptor.leadingDimension, work.data(), &length, &info);
         for (int i = 0; i < n; ++i) x(i, 0) = b(i, 0);
         const double alpha = 1.0;
-        dtrsm_("Left", "Upper", "No transpose", "Non-unit", &n, &one, &alpha, a.Data(),
-               &a.descriptor.leadingDimension, x.Data(), &x.descriptor.leadingDimension, 4, 5, 12, 8);
+        dtrsm_("Left", "Upper", "No transpose", "Non-unit", &n, &one, &alpha, &a(0, 0),
+               &a.descriptor.leadingDimension, &x(0, 0), &x.descriptor.leadingDimension, 4, 5, 12, 8);
     }
 
     std::int32_t m, n, info = 0;
