@@ -25,10 +25,7 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 # The digits of the results depend on these: no contraction of a * b + c, no fast-math. The assertions of Boost.Math
 # stay on in every build type. Options come last on the command line and so win over flags that are inherited.
-add_compile_options(-ffp-contract=off)
-if(NOT PROJECT_IS_TOP_LEVEL)
-  add_compile_options(-fno-fast-math $<$<COMPILE_LANGUAGE:C,CXX>:-UNDEBUG>)
-endif()
+add_compile_options(-ffp-contract=off -fno-fast-math $<$<COMPILE_LANGUAGE:C,CXX>:-UNDEBUG>)
 
 # Further options for all of the C++ code, last on the command line: ./check builds variants with it.
 set(ORVANTH_CXX_OPTIONS "" CACHE STRING "Options for the C++ compiler, separated by semicolons")
@@ -50,7 +47,8 @@ endif()
 # This project's own code compiles without a warning. Another compiler may see more, so warnings are errors only
 # where this project is developed.
 set(ORVANTH_WARNINGS -Wall -Wextra -Wpedantic -Wshadow)
-if(PROJECT_IS_TOP_LEVEL)
+option(ORVANTH_WERROR "Warnings are errors" ${PROJECT_IS_TOP_LEVEL})
+if(ORVANTH_WERROR)
   list(APPEND ORVANTH_WARNINGS -Werror)
 endif()
 

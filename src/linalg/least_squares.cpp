@@ -12,9 +12,10 @@ using namespace orvanth;
 ORVANTH_API(int32_t)
 LS(double* a, const MatrixDescriptor* aDescriptor, double* b, const MatrixDescriptor* bDescriptor) {
     std::int32_t info = 0;
-    LAPACK_dgels("N", &aDescriptor->rows, &aDescriptor->columns, &bDescriptor->columns, First(a, aDescriptor),
-                 &aDescriptor->leadingDimension, First(b, bDescriptor), &bDescriptor->leadingDimension, LapackWork,
-                 &LapackWorkLength, &info);
+    LAPACK_dgels("N", &aDescriptor->rows, &aDescriptor->columns, &bDescriptor->columns,
+                 ViewFromOffset(a, aDescriptor).first, &aDescriptor->leadingDimension,
+                 ViewFromOffset(b, bDescriptor).first, &bDescriptor->leadingDimension, LapackWork, &LapackWorkLength,
+                 &info);
     return info;
 }
 
@@ -24,9 +25,10 @@ OLS(double* a, const MatrixDescriptor* aDescriptor, double* b, const MatrixDescr
     const std::int32_t columns = aDescriptor->columns;
     const auto pivots = std::make_unique<std::int32_t[]>(columns > 0 ? static_cast<std::size_t>(columns) : 0);
     std::int32_t info = 0;
-    CollinearityLeastSquares(&aDescriptor->rows, &aDescriptor->columns, &bDescriptor->columns, First(a, aDescriptor),
-                             &aDescriptor->leadingDimension, First(b, bDescriptor), &bDescriptor->leadingDimension,
-                             pivots.get(), tau, &tolerance, First(x, xDescriptor), &xDescriptor->leadingDimension,
+    CollinearityLeastSquares(&aDescriptor->rows, &aDescriptor->columns, &bDescriptor->columns,
+                             ViewFromOffset(a, aDescriptor).first, &aDescriptor->leadingDimension,
+                             ViewFromOffset(b, bDescriptor).first, &bDescriptor->leadingDimension, pivots.get(), tau,
+                             &tolerance, ViewFromOffset(x, xDescriptor).first, &xDescriptor->leadingDimension,
                              LapackWork, &LapackWorkLength, &info);
     return info;
 }
