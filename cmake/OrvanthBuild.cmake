@@ -27,6 +27,9 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 # stay on in every build type. Options come last on the command line and so win over flags that are inherited.
 add_compile_options(-ffp-contract=off -fno-fast-math $<$<COMPILE_LANGUAGE:C,CXX>:-UNDEBUG>)
 
+# Tables that are worked out at compile time take more steps than clang allows by itself.
+add_compile_options("$<$<COMPILE_LANG_AND_ID:CXX,Clang>:-fconstexpr-steps=50000000>")
+
 # Further options for all of the C++ code, last on the command line: ./check builds variants with it.
 set(ORVANTH_CXX_OPTIONS "" CACHE STRING "Options for the C++ compiler, separated by semicolons")
 if(ORVANTH_CXX_OPTIONS)

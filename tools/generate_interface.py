@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Writes what follows from the signature table.
 
-  generate_interface.py headers      the public headers under include/orvanth and docs/exports.md (checked in)
+  generate_interface.py headers      the public headers under include/orvanth, docs/exports.md, the tables of README.md
   generate_interface.py --check      exit 1 if one of these is not what would be written
   generate_interface.py map FILE     the linker's version script: exactly the exports are visible
   generate_interface.py smoke FILE   a C program that calls every export once
@@ -159,11 +159,67 @@ def overview():
     return "\n".join(lines)
 
 
+FAMILIES = {"special": "gamma, beta and error functions, log1p", "kolmogorov": "the Kolmogorov statistic",
+            "distributions": "continuous distributions, binomial, hypergeometric",
+            "noncentral_hypergeometric": "Fisher's noncentral hypergeometric distribution",
+            "multiple_comparison": "multiple comparisons: `MCa` Tukey, `MCb` Hsu, `MCc` Dunnett",
+            "linalg": "linear algebra", "random": "random numbers", "optimise": "minimiser"}
+
+
+def names_with(column, word):
+    """The exports with this word in the column: a whole family by its header, single ones by name."""
+    parts = []
+    for folder in folders():
+        rows = [e for e in exports() if e.folder == folder]
+        having = [e for e in rows if word in getattr(e, column)]
+        if len(having) > 2 and len(having) == len(rows):
+            parts.append(f"all of `{folder}.h`")
+        elif len(having) > 2 and len(rows) - len(having) <= 2:
+            parts.append(f"all of `{folder}.h` but " + " and ".join(f"`{e.name}`" for e in rows if e not in having))
+        else:
+            parts.append(" ".join(f"`{e.name}`" for e in having))
+    return "; ".join(part for part in parts if part)
+
+
+def readme_tables():
+    """The tables of README.md, by the name in their marker."""
+    families = ["| family | exports | header |", "|---|---|---|"]
+    for folder in folders():
+        names = " ".join(f"`{e.name}`" for e in exports() if e.folder == folder)
+        families.append(f"| {FAMILIES[folder]} | {names} | `{folder}.h` |")
+    sees = {"Silent": "a quiet NaN or an infinity, `errno` 33 (`EDOM`) or 34 (`ERANGE`); `errno` is set, never cleared",
+            "Throws": "a C++ exception; `what()` of the numeric ones begins \"Error in function \"",
+            "Status": "an integer: INFO of LAPACK, a small negative number, a step code from 0 to 5",
+            "InBand": "-4.4462302923349974e+196 where there is no value; -1 for an unknown bound selector; a null handle",
+            "None": "no failure is reported"}
+    failure = ["| form | what the caller sees | exports |", "|---|---|---|"]
+    failure += [f"| {form} | {text} | {names_with('failures', form)} |" for form, text in sees.items()]
+    rules = {"Workspace": "works on storage of the whole process: one call at a time (the matrix exports among "
+                          "themselves, the minimiser's among themselves)",
+             "Handle": "works on a handle, which serves one thread at a time"}
+    threads = ["| rule | meaning | exports |", "|---|---|---|"]
+    threads += [f"| {rule} | {text} | {names_with('threads', rule)} |" for rule, text in rules.items()]
+    threads.append("| Reentrant | calls may overlap in time | all others |")
+    return {"families": families, "failure": failure, "threads": threads}
+
+
+def readme():
+    """README.md with its tables as the signature table has them."""
+    text = (ROOT / "README.md").read_text()
+    for name, lines in readme_tables().items():
+        marked = re.compile(rf"(<!-- table of {name}, generated -->\n).*?(<!-- end -->)", re.S)
+        text, count = marked.subn(lambda m: m[1] + "\n".join(lines) + "\n" + m[2], text)
+        if count != 1:
+            raise ValueError(f"README.md: the marker '<!-- table of {name}, generated -->' is needed once")
+    return text
+
+
 def all_headers():
     files = {INCLUDE / f"{folder}.h": header(folder) for folder in folders()}
     files[INCLUDE / "core_math.h"] = umbrella()
     files[INCLUDE / "version.h"] = version_header()
     files[ROOT / "docs" / "exports.md"] = overview()
+    files[ROOT / "README.md"] = readme()
     return files
 
 
