@@ -45,8 +45,8 @@ def golden_example(export):
     for path in sorted((ROOT / "tests" / "data" / "golden").glob("*.tsv")):
         for line in path.read_text().splitlines():
             cells = line.split("\t")
-            if cells[0] == export.name and len(cells) == 7 and cells[2] == "value" and \
-                    re.fullmatch(r"-?[0-9.]+(e[-+]?\d+)?", cells[3]) and cells[3] not in ("0", "1"):
+            if cells[0] == export.name and len(cells) == 7 and cells[2] == "value" and cells[4] == "0" and \
+                    not {"256", "257", "512"} & set(cells[1].split(" ")) and re.fullmatch(r"-?[0-9.]+(e[-+]?\d+)?", cells[3]) and cells[3] not in ("0", "1"):
                 return [_number(c) for c in cells[1].split(" ")], f"{float(cells[3]):.6g}"
     return None
 
@@ -147,7 +147,8 @@ def function(export):
     behind = [] if at is None else [n for n in names[at:] if n != "upper"] + ["upper=False"]
     extra = ["out=None"] + ([] if signature(export) else ["where=True"])
     parameters = ", ".join(before + ["*"] + behind + extra)
-    forward = ", ".join(names + ["out=out"] + ([] if signature(export) else ["where=where"]))
+    out = "out=out" if len(results(export)) == 1 else "out=(None, None) if out is None else out"
+    forward = ", ".join(names + [out] + ([] if signature(export) else ["where=where"]))
 
     def keywords(values):
         return [f"{n}={'True' if int(v) & 255 else 'False'}" if n == "upper" else f"{n}={v}"

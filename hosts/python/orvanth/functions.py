@@ -262,7 +262,7 @@ def inverse_gamma_regularized(a, p, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import inverse_gamma_regularized
-    >>> print(f"{inverse_gamma_regularized(a=0.0, p=1.0):.6g}")
+    >>> print(f"{inverse_gamma_regularized(a=0.05, p=1.0):.6g}")
     1.79769e+308
     """
     return _ufuncs.InverseGammaRegularized(a, p, out=out, where=where)
@@ -295,7 +295,7 @@ def inverse_gamma_regularized_c(a, q, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import inverse_gamma_regularized_c
-    >>> print(f"{inverse_gamma_regularized_c(a=0.0, q=0.0):.6g}")
+    >>> print(f"{inverse_gamma_regularized_c(a=0.05, q=0.0):.6g}")
     1.79769e+308
     """
     return _ufuncs.InverseGammaRegularizedC(a, q, out=out, where=where)
@@ -509,7 +509,7 @@ def inverse_beta_regularized2(a, b, p, *, out=None, where=True):
     >>> bool(first > 0 and second > 0)
     True
     """
-    return _ufuncs.InverseBetaRegularized2(a, b, p, out=out, where=where)
+    return _ufuncs.InverseBetaRegularized2(a, b, p, out=(None, None) if out is None else out, where=where)
 
 
 def inverse_beta_regularized_c(a, b, q, *, out=None, where=True):
@@ -581,7 +581,7 @@ def inverse_beta_regularized_c2(a, b, q, *, out=None, where=True):
     >>> bool(first > 0 and second > 0)
     True
     """
-    return _ufuncs.InverseBetaRegularizedC2(a, b, q, out=out, where=where)
+    return _ufuncs.InverseBetaRegularizedC2(a, b, q, out=(None, None) if out is None else out, where=where)
 
 
 def erf(x, *, out=None, where=True):
@@ -1894,8 +1894,8 @@ def mcb_icdf(p, k, df, lambda_, *, upper=False, out=None):
     Examples
     --------
     >>> from orvanth import mcb_icdf
-    >>> print(f"{mcb_icdf(p=0.05, k=3, df=10.0, lambda_=[0.7071067811865475, 0.7071067811865475, 0.7071067811865475], upper=False):.6g}")
-    -1.18914
+    >>> print(f"{mcb_icdf(p=0.05, k=3, df=10.0, lambda_=[0.7071067811865475, 0.7071067811865475, 0.7071067811865475], upper=True):.6g}")
+    2.15061
     """
     return _ufuncs.MCbICDF(p, k, df, lambda_, upper, out=out)
 
@@ -2104,4 +2104,4 @@ def fnc_hypergeometric_moments(n, m, N, odds, *, out=None, where=True):
     >>> bool(first > 0 and second > 0)
     True
     """
-    return _ufuncs.FNCHypergeometricMoments(n, m, N, odds, out=out, where=where)
+    return _ufuncs.FNCHypergeometricMoments(n, m, N, odds, out=(None, None) if out is None else out, where=where)
