@@ -29,6 +29,7 @@ public:
             first_ = index;
             status_ = status;
         }
+        kinds_ |= 1u << static_cast<unsigned>(status);
     }
     // The thread's last failure is the first of the loop.
     void Report(EachReport* report) const {
@@ -37,6 +38,7 @@ public:
         report->failures = failures_;
         report->first = first_;
         report->status = static_cast<std::int32_t>(status_);
+        report->kinds = kinds_;
         std::memcpy(report->text, failures_ == 0 ? "\0" : lastFailure.text, failures_ == 0 ? 1 : ORVANTH_TEXT_LENGTH);
     }
 
@@ -44,6 +46,7 @@ private:
     std::intptr_t failures_ = 0;
     std::intptr_t first_ = -1;
     Status status_ = Status::Ok;
+    std::uint32_t kinds_ = 0;
 };
 
 // The inner arrays of one call laid end to end, where their own elements are not.

@@ -110,11 +110,22 @@ TEST(ShieldEach, InnerArraysMayBeStridedAndMustBeLongEnough) {
     EXPECT_EQ(results[0], MCcCDF(2, 3, 12, reversed, 0));
 }
 
+TEST(ShieldEach, EveryKindOfFailureIsOnRecord) {
+    double p[] = {0, 0.5, 1.5}, mean = 0, sd = 1, results[3];
+    std::int64_t tail = 0;
+    char* pointers[] = {At(p[0]), At(mean), At(sd), At(tail), At(results[0])};
+    const intptr_t count = 3, steps[] = {8, 0, 0, 0, 8};
+    EachReport report;
+    EachNormalICDF(pointers, &count, steps, &report);
+    EXPECT_EQ(report.status, ORVANTH_STATUS_OVERFLOW);
+    EXPECT_EQ(report.kinds, 1u << ORVANTH_STATUS_OVERFLOW | 1u << ORVANTH_STATUS_DOMAIN);
+}
+
 TEST(ShieldEach, NoElementsIsASuccess) {
     SafeBeta(-1, 1);
     const intptr_t count = 0, steps[] = {8, 8};
     char* pointers[] = {nullptr, nullptr};
-    EachReport report{9, 9, 9, "stale"};
+    EachReport report{9, 9, 9, 9, "stale"};
     EachErf(pointers, &count, steps, &report);
     EXPECT_EQ(report.failures, 0);
     EXPECT_EQ(report.status, ORVANTH_STATUS_OK);

@@ -55,6 +55,7 @@ typedef struct EachReport {
     intptr_t failures; /* how many elements failed */
     intptr_t first;    /* the first of them; -1 if there is none */
     int32_t status;    /* of the first */
+    uint32_t kinds;    /* bit s: an element failed with status s */
     char text[ORVANTH_TEXT_LENGTH];
 } EachReport;
 """
