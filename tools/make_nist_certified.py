@@ -12,7 +12,7 @@ from pathlib import Path
 FOLDER = Path(__file__).resolve().parents[1] / "tests" / "data" / "nist"
 LINEAR = ("Norris", "Pontius", "NoInt1", "NoInt2", "Filip", "Longley", "Wampler1", "Wampler2", "Wampler3", "Wampler4",
           "Wampler5")
-ANOVA = ("AtmWtAgt", "SiRstvt", "SmLs01t", "SmLs04t", "SmLs07t")
+ANOVA = ("SiRstvt", "AtmWtAgt", "SmLs01t", "SmLs04t", "SmLs07t")
 DEGREE = {"Norris": 1, "Pontius": 2, "Filip": 10} | {f"Wampler{i}": 5 for i in range(1, 6)}
 NUMBER = r"[-+]?\d[\d.]*(?:E[-+]?\d+)?|[-+]?\.\d+"
 getcontext().prec = 60
