@@ -259,4 +259,5 @@ def main():
         sys.exit("report.py: no row for " + ", ".join(without) + "; add one to the benchmark of its family")
 
 
-main()
+if __name__ == "__main__":
+    main()
