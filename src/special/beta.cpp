@@ -33,23 +33,25 @@ bool IsBinomialSumLost(double a, double b, double x) {
            (a + 1) * std::log(x) < std::log(std::numeric_limits<double>::min());
 }
 
-// Below it 1 / a overflows inside Boost.Math.
+// Below the first, 1 / a overflows inside Boost.Math, and if both parameters are below the second, 1 / (a b) does.
 constexpr double kTinyParameter = 1e-300;
+constexpr double kTinyParameters = 1e-100;
 
 double GeneralRegularized(double a, double b, double x, bool complement);
 
-// For a or b below kTinyParameter. The ratio of two tiny parameters decides alone; beside a larger b, 1 - I is
-// proportional to a, and beside a larger a, I is to b.
+// For a or b below kTinyParameter, or both below kTinyParameters. The ratio of two tiny parameters decides alone;
+// beside a larger b, 1 - I is proportional to a, and beside a larger a, I is to b.
 double TinyRegularized(double a, double b, double x, bool complement) {
-    const double scale = kTinyParameter / std::fmin(a, b);
-    if (std::fmax(a, b) * scale < 1e-100) return GeneralRegularized(a * scale, b * scale, x, complement);
+    if (std::fmax(a, b) < kTinyParameters) return 1 / (1 + (complement ? b / a : a / b));
     if ((a < b) != complement) return 1;
-    return GeneralRegularized(std::fmax(a, kTinyParameter), std::fmax(b, kTinyParameter), x, complement) / scale;
+    const double side = GeneralRegularized(std::fmax(a, kTinyParameter), std::fmax(b, kTinyParameter), x, complement);
+    return std::fmin(a, b) / kTinyParameter * side;
 }
 
 // For x in (0, 1) and positive a and b.
 double GeneralRegularized(double a, double b, double x, bool complement) {
-    if (std::fmin(a, b) < kTinyParameter) return TinyRegularized(a, b, x, complement);
+    if (std::fmin(a, b) < kTinyParameter || std::fmax(a, b) < kTinyParameters)
+        return TinyRegularized(a, b, x, complement);
     const double y = 1 - x;
     // The side of the mean on which the tail is the smaller one.
     const bool swap = a < b ? a - (a + b) * x < 0 : (a + b) * y - b < 0;

@@ -69,12 +69,15 @@ double RegularizedGamma(double a, double x, bool upper) {
                  : Narrow(boost::math::gamma_p(a, x, DefaultPolicy()), "gamma_p<%1%>(%1%, %1%)");
 }
 
-// factor x^a exp(-x), where the power may overflow and the product not.
-double TimesPrefix(double factor, double a, double x) {
+// factor() x^a exp(-x), where the power may overflow and the product not. Where even the root of the power leaves the
+// range, so does the product, and the factor is not asked for: it may take long.
+template <class Factor>
+double TimesPrefix(Factor factor, double a, double x) {
     const double prefix = IncompleteGammaPrefix(a, x);
-    if (!std::isinf(prefix)) return prefix * factor;
+    if (prefix == 0) return 0;
+    if (!std::isinf(prefix)) return prefix * factor();
     const double root = std::pow(x / std::exp(x / a), a / 2);
-    return root * factor * root;
+    return std::isinf(root) ? kInfinity : root * factor() * root;
 }
 
 // Gamma(a) - summed, scaled where Gamma(a) overflows. From 172 on, Gamma(a) is seven times the largest double, and
@@ -86,12 +89,12 @@ double RestOfGamma(double a, double summed) {
     return (boost::math::tgamma(a - 1, DefaultPolicy()) * kScale * (a - 1) - summed * kScale) / kScale;
 }
 
-// Lower or upper incomplete gamma function for a large shape and finite arguments. The smaller one is summed, the
+// Lower or upper incomplete gamma function for a large finite shape. The smaller one is summed, the
 // other is what it leaves of Gamma(a).
 double LargeIncomplete(double a, double x, bool upper) {
-    if (std::isinf(x)) return RestOfGamma(a, 0);
+    if (x == 0 || std::isinf(x)) return upper == std::isinf(x) ? 0 : RestOfGamma(a, 0);
     const bool lowerIsSummed = x < 1.1 || x - 1 / (3 * x) < a;
-    const double factor = lowerIsSummed ? LowerGammaSeries(a, x) / a : UpperGammaFraction(a, x);
+    const auto factor = [=] { return lowerIsSummed ? LowerGammaSeries(a, x) / a : UpperGammaFraction(a, x); };
     const double summed = TimesPrefix(factor, a, x);
     return lowerIsSummed != upper ? summed : RestOfGamma(a, summed);
 }
@@ -99,8 +102,7 @@ double LargeIncomplete(double a, double x, bool upper) {
 double IncompleteGamma(double a, double x, bool upper) {
     if (!AcceptsIncomplete(kIncomplete, a, x)) return kNaN;
     if (std::isinf(a)) return !upper && x <= 1 ? 0 : RaiseOverflow(kIncomplete);
-    if (std::isinf(x) && upper) return 0;
-    if (a >= kLargeShape && x > 0) return Narrow(LargeIncomplete(a, x, upper), kIncomplete);
+    if (a >= kLargeShape) return Narrow(LargeIncomplete(a, x, upper), kIncomplete);
     return Narrow(
         upper ? boost::math::tgamma(a, x, DefaultPolicy()) : boost::math::tgamma_lower(a, x, DefaultPolicy()),
         kIncomplete);
