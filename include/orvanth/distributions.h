@@ -62,7 +62,7 @@ ORVANTH_API(double) BetaPDF(double x, double a, double b);
  * @param[in] x      in [0, 1]
  * @param[in] a      greater than 0, finite
  * @param[in] b      greater than 0, finite
- * @param[in] tail   clear: the lower tail; set: the upper tail, not formed as 1 minus it. Low byte counts
+ * @param[in] tail   clear: the lower tail; set: the upper tail. Only the low byte counts
  * @return P(X <= x), with the flag set P(X > x).
  * @par Edges
  * x = 0: 0. x = 1: 1. With the flag set the reverse.
@@ -171,7 +171,7 @@ ORVANTH_API(double) ChiSquaredPDF(double x, double df);
  * @endcode
  * @param[in] x      not below 0, finite
  * @param[in] df     degrees of freedom, greater than 0, finite
- * @param[in] tail   clear: the lower tail; set: the upper tail, not formed as 1 minus it. Low byte counts
+ * @param[in] tail   clear: the lower tail; set: the upper tail. Only the low byte counts
  * @return P(X <= x), with the flag set P(X > x).
  * @par Edges
  * x = 0: 0, with the flag set 1. x = +infinity is refused.
@@ -283,7 +283,7 @@ ORVANTH_API(double) FisherFPDF(double x, double df1, double df2);
  * @param[in] x      not below 0, finite
  * @param[in] df1    degrees of freedom of the numerator, greater than 0, finite
  * @param[in] df2    degrees of freedom of the denominator, greater than 0, finite
- * @param[in] tail   clear: the lower tail; set: the upper tail, not formed as 1 minus it. Low byte counts
+ * @param[in] tail   clear: the lower tail; set: the upper tail. Only the low byte counts
  * @return P(X <= x), with the flag set P(X > x).
  * @par Edges
  * x = 0: 0, with the flag set 1. x = +infinity is refused.
@@ -397,7 +397,7 @@ ORVANTH_API(double) GammaPDF(double x, double shape, double scale);
  * @param[in] x      not below 0, finite
  * @param[in] shape  greater than 0, finite
  * @param[in] scale  greater than 0, finite; not a rate
- * @param[in] tail   clear: the lower tail; set: the upper tail, not formed as 1 minus it. Low byte counts
+ * @param[in] tail   clear: the lower tail; set: the upper tail. Only the low byte counts
  * @return P(X <= x), with the flag set P(X > x).
  * @par Edges
  * x = 0: 0, with the flag set 1. x = +infinity is refused.
@@ -507,7 +507,7 @@ ORVANTH_API(double) NormalPDF(double x, double mean, double sd);
  * @param[in] x      any double but a NaN
  * @param[in] mean   finite
  * @param[in] sd     standard deviation, greater than 0, finite
- * @param[in] tail   clear: the lower tail; set: the upper tail, not formed as 1 minus it. Low byte counts
+ * @param[in] tail   clear: the lower tail; set: the upper tail. Only the low byte counts
  * @return P(X <= x), with the flag set P(X > x).
  * @par Edges
  * x = -infinity: 0. x = +infinity: 1. With the flag set the reverse, also with a bad mean or sd, which

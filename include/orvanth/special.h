@@ -169,7 +169,7 @@ ORVANTH_API(double) GammaRegularizedC(double a, double x);
  * x = 0: 0 for a > 1, 1 for a = 1, a failure for a < 1. A NaN argument: NaN.
  * @par Failure
  * Throws std::domain_error for a <= 0 or x < 0, with the texts of GammaRegularized;
- * std::overflow_error, "Overflow Error", at x = 0 with a < 1 and where the result exceeds the largest double.
+ * std::overflow_error, "Overflow Error", at x = 0 with a < 1 and beyond the largest double.
  * @par Threads
  * Reentrant: calls may overlap in time.
  * @par Memory
