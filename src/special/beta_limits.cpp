@@ -1,6 +1,7 @@
 #include "special/beta_limits.hpp"
 
 #include <cmath>
+#include <numbers>
 
 #include "frame/policies.hpp"
 #include "special/beta.hpp"
@@ -50,7 +51,7 @@ double RegularizedBetaLimit(double a, double b, double x, bool complement) {
     if (std::isinf(a) || std::isinf(b)) return kNaN;
     const double mean = 1 / (1 + b / a);
     const double z = (x - mean) / std::sqrt(mean / (1 + a / b) / (a + b));
-    return ErfCValue((complement ? z : -z) / std::sqrt(2.0)) / 2;
+    return ErfCValue((complement ? z : -z) / std::numbers::sqrt2) / 2;
 }
 
 BetaPoint InverseBetaLimit(double a, double b, double p, double q) {

@@ -40,7 +40,7 @@ constexpr double kLargeShape = 170.0;
 
 // Below this x and above kLargeShape, x^a / Gamma(a + 1) is less than 1e-1300. Boost.Math divides by Gamma(a + 1)
 // there, which overflows.
-const double kNegligibleVariate = std::sqrt(std::numeric_limits<double>::epsilon());
+constexpr double kNegligibleVariate = 0x1p-26;  // the root of epsilon
 
 // From this shape on Boost.Math's sums near the mean take more than 1e5 terms, and from 1e10 on they may exceed its
 // limit of 1e6.

@@ -13,8 +13,7 @@ namespace orvanth {
 
 // The smallest double of [low, high] that is not below the root, for 0 <= low <= high. The bit patterns of positive
 // doubles are in the order of their values, so that halving the patterns reaches neighbours in 64 steps at most,
-// whatever the magnitude of the root. A root
-// that is not above the smallest double underflows to 0.
+// whatever the magnitude of the root. A root that is not above the smallest double underflows to 0.
 template <class IsBelow>
 double Bisect(double low, double high, IsBelow isBelow) {
     auto below = std::bit_cast<std::uint64_t>(low), above = std::bit_cast<std::uint64_t>(high);
