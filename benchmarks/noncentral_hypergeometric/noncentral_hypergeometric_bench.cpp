@@ -1,7 +1,7 @@
 // The three exports over growing supports. The argument is the number of points of the support, of which a table
 // holds those that matter; per_entry is the cost of one entry.
 //
-// No library has these sums in double arithmetic. The peers are the two ways to form them with what there is:
+// GSL and Rmath have no counterpart. The peers are two ways to form the sums with what there is:
 //   Rmath      log-probabilities of the central distribution, dhyper, weighted with odds^x and summed over the
 //              support, as R's fisher.test does
 //   exact sum  whole numbers of any size; the odds 1.7 stand as 17/10
