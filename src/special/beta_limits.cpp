@@ -11,25 +11,18 @@ namespace orvanth {
 
 namespace {
 
-struct Parts {
-    double x;
-    double y;  // 1 - x
-};
-
-Parts Swapped(Parts parts) { return {parts.y, parts.x}; }
-
 // a is huge: a (1 - x) has a gamma distribution of shape b, or next to none about its mean.
-Parts HugeFirst(double a, double b, double p) {
+BetaPoint HugeFirst(double a, double b, double p, double q) {
     if (b > kHugeBetaParameter) {
         if (std::isinf(a)) return {1, 0};
         return {1 / (1 + b / a), 1 / (1 + a / b)};
     }
-    const double y = std::fmin(InverseGammaQ(b, p) / a, 1);
+    const double y = std::fmin((p < q ? InverseGammaQ(b, p) : InverseGammaP(b, q)) / a, 1);
     return {1 - y, y};
 }
 
 // a is tiny: next to 0 stands the mass b/(a + b), spread as x^a.
-Parts TinyFirst(double a, double b, double p, double q) {
+BetaPoint TinyFirst(double a, double b, double p, double q) {
     const double atZero = 1 / (1 + a / b);
     if (p <= atZero) {
         const double x = std::exp(std::log(p / atZero) / a);
@@ -37,13 +30,6 @@ Parts TinyFirst(double a, double b, double p, double q) {
     }
     const double y = b < kTinyBetaParameter ? std::exp(std::log(q / (1 / (1 + b / a))) / b) : 0;
     return {1 - y, y};
-}
-
-Parts Limit(double a, double b, double p, double q) {
-    if (a > kHugeBetaParameter) return b < kTinyBetaParameter ? Parts{1, 0} : HugeFirst(a, b, p);
-    if (b > kHugeBetaParameter) return a < kTinyBetaParameter ? Parts{0, 1} : Swapped(HugeFirst(b, a, q));
-    if (a < kTinyBetaParameter) return TinyFirst(a, b, p, q);
-    return Swapped(TinyFirst(b, a, q, p));
 }
 
 }  // namespace
@@ -64,30 +50,11 @@ double RegularizedBetaLimit(double a, double b, double x, bool complement) {
     return ErfCValue((complement ? z : -z) / std::sqrt(2.0)) / 2;
 }
 
-// Newton's method on ln I against ln x, kept between bounds: where I underflows the bounds are halved.
-double InverseBetaTinyProbability(double a, double b, double p) {
-    const double goal = std::log(p);
-    const double logBeta = std::lgamma(a) + std::lgamma(b) - std::lgamma(a + b);
-    double low = -kLargest, high = 0;
-    double t = std::fmin((goal + std::log(a) + logBeta) / a, 0);     // as if I were x^a / (a B)
-    if (t < std::log(std::numeric_limits<double>::min())) return t;  // x is so small that it is
-    for (int i = 0; i < 200; ++i) {
-        const double x = std::exp(t);
-        const double value = RegularizedBeta(a, b, x);
-        (std::log(value) < goal ? low : high) = t;
-        double next = t + (goal - std::log(value)) / (x * BetaDensity(a, b, x) / value);
-        if (!(next > low && next < high)) next = (std::fmax(low, 4 * t - 1) + high) / 2;
-        const bool settled = std::fabs(next - t) <= 4e-16 * std::fabs(t);
-        t = next;
-        if (settled) break;
-    }
-    return t;
-}
-
-double InverseBetaLimit(double a, double b, double p, double q, double* complement) {
-    const Parts parts = Limit(a, b, p, q);
-    *complement = parts.y;
-    return parts.x;
+BetaPoint InverseBetaLimit(double a, double b, double p, double q) {
+    if (a > kHugeBetaParameter) return b < kTinyBetaParameter ? BetaPoint{1, 0} : HugeFirst(a, b, p, q);
+    if (b > kHugeBetaParameter) return a < kTinyBetaParameter ? BetaPoint{0, 1} : Swapped(HugeFirst(b, a, q, p));
+    if (a < kTinyBetaParameter) return TinyFirst(a, b, p, q);
+    return Swapped(TinyFirst(b, a, q, p));
 }
 
 }  // namespace orvanth
