@@ -684,77 +684,186 @@ ORVANTH_API(double) StudentTICDF(double p, double df, TailFlag tail);
 /**
  * Point probability of the binomial distribution.
  *
- * @param[in] k  successes, 0 to n; need not be whole
- * @param[in] n  trials, not below 0, finite
+ * @par Formula
+ * @code{.unparsed}
+ * C(n, k) p^k (1 - p)^(n - k), computed as the derivative of the incomplete beta function with
+ * parameters k + 1 and n - k + 1 at p, divided by n + 1. It extends to any real k and n.
+ * @endcode
+ * @param[in] k  successes, 0 to n; need not be whole and is not rounded
+ * @param[in] n  trials, at least 0, finite; need not be whole
  * @param[in] p  success fraction in [0, 1]
- * @return P(X = k). With p = 0 or p = 1 or n = 0 the mass stands at one point.
+ * @return P(X = k).
+ * @par Edges
+ * p = 0: 1 for k = 0, else 0. p = 1: 1 for k = n, else 0. n = 0: 1. k = 0: (1 - p)^n. k = n: p^n.
  * @par Failure
- * Throws std::domain_error, tests in this order: "Success fraction argument is ...", "Number of Trials argument is
- * ...", "Number of Successes argument is ..." (below 0, or above n).
+ * std::domain_error, tested in this order. Every text begins "Error in function boost::math::".
+ * p outside [0, 1] or a NaN: "... Success fraction argument is ..., but must be >= 0 and <= 1 !".
+ * n negative, infinite or a NaN: "... Number of Trials argument is ..., but must be >= 0 !".
+ * k negative, infinite or a NaN: "... Number of Successes argument is ..., but must be >= 0 !".
+ * k > n: "... Number of Successes argument is ..., but must be <= Number of Trials !".
+ * Nothing sets errno.
  * @par Threads
  * Reentrant: calls may overlap in time.
- * @par Method
- * The derivative of the incomplete beta function at p, divided by n + 1. Relative error up to 4e-15 for n to 30,
- * 3e-11 for n to 10^6.
+ * @par Memory
+ * None.
+ * @par Accuracy
+ * Relative 4e-15 for n to 30, 8e-14 to 1000, 3e-11 to 10^6 (docs/accuracy/discrete.md).
+ * @par Equivalents
+ * - R: dbinom(k, n, p)
+ * - SciPy: scipy.stats.binom.pmf(k, n, p)
+ * @par Example
+ * @code{.unparsed}
+ * BinomialPDF(3, 10, 0.4) = 0.214991
+ * BinomialPDF(2.5, 10, 0.5) = 0.0759789
+ * BinomialPDF(0, 0, 0.5) = 1
+ * @endcode
+ * @par Source
+ * A. R. DiDonato, A. H. Morris, Algorithm 708: Significant digit computation of the incomplete beta
+ * function ratios, ACM Transactions on Mathematical Software 18, 1992.
  */
 ORVANTH_API(double) BinomialPDF(double k, double n, double p);
 
 /**
  * Cumulative probability of the binomial distribution.
  *
- * @param[in] k     successes, 0 to n; need not be whole: the formula extends to it
- * @param[in] n     trials, not below 0, finite
+ * @par Formula
+ * @code{.unparsed}
+ * P(X <= k) = I_(1-p)(n - k, k + 1), P(X > k) = I_p(k + 1, n - k), where I is the regularized
+ * incomplete beta function. Each tail is evaluated by itself. The formula extends to any real k.
+ * @endcode
+ * @param[in] k     successes, 0 to n; need not be whole and is not rounded
+ * @param[in] n     trials, at least 0, finite; need not be whole
  * @param[in] p     success fraction in [0, 1]
- * @param[in] tail  clear: P(X <= k); set: P(X > k)
- * @return 1 - I_p(k + 1, n - k), in the upper tail I_p(k + 1, n - k); at k = n 1 and 0.
+ * @param[in] tail  clear: P(X <= k); set: P(X > k). Only the low byte counts
+ * @return the probability.
+ * @par Edges
+ * k = n or p = 0: 1 (tail set: 0). Otherwise p = 1: 0 (tail set: 1).
  * @par Failure
- * As BinomialPDF: a k above n throws, it does not answer 1.
+ * std::domain_error, tested in this order. Every text begins "Error in function boost::math::".
+ * p outside [0, 1] or a NaN: "... Success fraction argument is ..., but must be >= 0 and <= 1 !".
+ * n negative, infinite or a NaN: "... Number of Trials argument is ..., but must be >= 0 !".
+ * k negative, infinite or a NaN: "... Number of Successes argument is ..., but must be >= 0 !".
+ * k > n: "... Number of Successes argument is ..., but must be <= Number of Trials !".
+ * A k above n throws; the answer is not 1. Nothing sets errno.
  * @par Threads
  * Reentrant: calls may overlap in time.
- * @par Method
- * The regularized incomplete beta function. Relative error of both tails up to 1e-13 for n to 1000, 3e-11 for n to
- * 10^6.
+ * @par Memory
+ * None.
+ * @par Accuracy
+ * Relative 7e-15 for n to 30, 9e-14 to 1000, 3e-11 to 10^6 in both tails (docs/accuracy/discrete.md).
+ * @par Equivalents
+ * - R: pbinom(k, n, p); with tail set pbinom(k, n, p, lower.tail = FALSE). R rounds k down.
+ * - SciPy: scipy.stats.binom.cdf(k, n, p); with tail set scipy.stats.binom.sf(k, n, p). Both round down.
+ * @par Example
+ * @code{.unparsed}
+ * BinomialCDF(3, 10, 0.4, 0) = 0.382281
+ * BinomialCDF(3, 10, 0.4, 1) = 0.617719
+ * BinomialCDF(10, 10, 0.4, 0) = 1
+ * @endcode
+ * @par Source
+ * A. R. DiDonato, A. H. Morris, Algorithm 708: Significant digit computation of the incomplete beta
+ * function ratios, ACM Transactions on Mathematical Software 18, 1992.
  */
 ORVANTH_API(double) BinomialCDF(double k, double n, double p, TailFlag tail);
 
 /**
  * Quantile of the binomial distribution, a whole number.
  *
+ * @par Formula
+ * @code{.unparsed}
+ * With P = probability, or P = 1 - probability if tail is set, let k solve P(X <= k) = P in real
+ * numbers. The result is floor(k) or ceil(k), as roundUp says. The search starts from a Cornish-Fisher
+ * estimate and runs on the smaller of the two tails.
+ * @endcode
  * @param[in] probability  in [0, 1]
- * @param[in] n            trials, not below 0, finite
+ * @param[in] n            trials, at least 0, finite
  * @param[in] p            success fraction in [0, 1]
- * @param[in] tail         set: 1 - probability, rounded, takes the place of the probability
- * @param[in] roundUp      zero: the floor of the real solution; any other word: its ceiling
- * @return k; 0 where the probability does not exceed (1 - p)^n, n at probability 1.
+ * @param[in] tail         clear: lower tail; set: upper tail. Only the low byte counts
+ * @param[in] roundUp      zero: floor; any other value: ceiling. The whole word counts
+ * @return the count.
+ * @par Edges
+ * P = 0, or P <= (1 - p)^n: 0. P = 1: n. p = 1 with 0 < P < 1: n - 1 rounded down, n rounded up.
+ * Many counts whose tails are equal as doubles: floor or ceiling of the one on which the search ends.
  * @par Failure
- * Throws std::domain_error as BinomialPDF, and "Probability argument is ..." with the lower tail, which for a set tail
- * is 1 - probability. Beyond 2^52 trials, where neighbouring counts are neighbouring doubles, the search may end in
- * "Parameters a and b out of order ..." (std::domain_error).
+ * std::domain_error, tested in this order. Every text begins "Error in function boost::math::".
+ * p outside [0, 1] or a NaN: "... Success fraction argument is ..., but must be >= 0 and <= 1 !".
+ * n negative, infinite or a NaN: "... Number of Trials argument is ..., but must be >= 0 !".
+ * P outside [0, 1] or a NaN: "... Probability argument is ..., but must be >= 0 and <= 1 !".
+ * boost::math::evaluation_error, "... Unable to bracket root, last nearest value was ...", where 200
+ * steps do not reach the solution. This happens for tiny p (seen from 1e-9 down) with more than 100
+ * trials and P within some 1e-14 of 1: the estimate is near 10 and the solution below 1. Rounding up
+ * fails more often than rounding down.
+ * std::domain_error, "... Parameters a and b out of order: a=...", ends some searches beyond 2^52
+ * trials, where neighbouring counts are neighbouring doubles.
+ * Nothing sets errno.
  * @par Threads
  * Reentrant: calls may overlap in time.
- * @par Method
- * A Cornish-Fisher estimate, and from there a search for the real solution on the smaller of the two tails, at most
- * 200 steps. With p = 1 the solution is n, approached from below: n - 1 rounded down, n rounded up.
+ * @par Memory
+ * None.
+ * @par Accuracy
+ * Right unless P lies within the error of BinomialCDF of a step (docs/accuracy/discrete.md).
+ * @par Equivalents
+ * - R: qbinom(probability, n, p), the smallest k with P(X <= k) >= P: the result for roundUp set.
+ * - SciPy: scipy.stats.binom.ppf(probability, n, p) and .isf, likewise.
+ * @par Example
+ * @code{.unparsed}
+ * BinomialICDF(0.5, 10, 0.4, 0, 0) = 3
+ * BinomialICDF(0.5, 10, 0.4, 0, 1) = 4
+ * BinomialICDF(1, 10, 0.4, 1, 1) = 0
+ * @endcode
+ * @par Source
+ * E. A. Cornish, R. A. Fisher, Moments and cumulants in the specification of distributions, Revue de
+ * l'Institut International de Statistique 5, 1938.
+ * G. E. Alefeld, F. A. Potra, Y. Shi, Algorithm 748: Enclosing zeros of continuous functions, ACM
+ * Transactions on Mathematical Software 21, 1995.
  */
 ORVANTH_API(double) BinomialICDF(double probability, double n, double p, TailFlag tail,
                                  int32_t roundUp);
 
 /**
- * One-sided exact bound on the success fraction (Clopper-Pearson).
+ * One-sided exact bound on the success fraction of a binomial distribution.
  *
- * @param[in] alpha          one-sided tail area in [0, 1]; for a two-sided interval pass half of it to each bound
- * @param[in] successes      0 to trials
- * @param[in] trials         not below 0, finite
- * @param[in] boundSelector  0: lower bound, 1: upper bound; the whole word counts
- * @return the bound; 0 for no success (lower), 1 for no failure (upper), alpha then unseen; -1 for any other
- *         selector, without a test of the other arguments.
+ * @par Formula
+ * @code{.unparsed}
+ * With k = successes and n = trials the lower bound is the p with P(X >= k) = alpha, the upper bound
+ * the p with P(X <= k) = alpha. Both are quantiles of a beta distribution. For a two-sided interval of
+ * level 1 - a pass alpha = a / 2 to each bound.
+ * @endcode
+ * @param[in] alpha          one-sided tail area in [0, 1]
+ * @param[in] successes      0 to trials; need not be whole
+ * @param[in] trials         at least 0, finite; need not be whole
+ * @param[in] boundSelector  0: lower bound; 1: upper bound. The whole word counts
+ * @return the bound.
+ * @par Edges
+ * Any other boundSelector: -1, without a test of the other arguments. Lower bound of 0 successes: 0.
+ * Upper bound of successes = trials: 1. In these two cases alpha is not tested. alpha a NaN: NaN.
  * @par Failure
- * Throws std::domain_error: "Number of Trials argument is ...", "Number of Successes argument is ...", "Argument p
- * outside the range [0,1] ..." (lower) or "Argument q ..." (upper).
+ * std::domain_error, tested in this order. Every text begins "Error in function boost::math::".
+ * trials negative, infinite or a NaN: "... Number of Trials argument is ..., but must be >= 0 !".
+ * successes negative, infinite or a NaN: "... Number of Successes argument is ..., but must be >= 0
+ * !".
+ * successes > trials: "... Number of Successes argument is ..., but must be <= Number of Trials !".
+ * alpha outside [0, 1]: "... Argument p outside the range [0,1] in the incomplete beta function
+ * inverse (got p=...)." for the lower bound, "... Argument q ..." for the upper.
+ * Nothing sets errno.
  * @par Threads
  * Reentrant: calls may overlap in time.
- * @par Method
- * C. J. Clopper and E. S. Pearson, Biometrika 26 (1934) 404, by the inverse incomplete beta function.
+ * @par Memory
+ * None.
+ * @par Accuracy
+ * Relative 4e-14 for n to 10^6 (docs/accuracy/discrete.md).
+ * @par Equivalents
+ * - R: qbeta(alpha, k, n - k + 1); for the upper bound qbeta(1 - alpha, k + 1, n - k)
+ * - SciPy: scipy.stats.beta.ppf(alpha, k, n - k + 1); scipy.stats.beta.isf(alpha, k + 1, n - k)
+ * @par Example
+ * @code{.unparsed}
+ * BinomialPS(0.025, 3, 10, 0) = 0.0667395
+ * BinomialPS(0.025, 3, 10, 1) = 0.652453
+ * BinomialPS(0.025, 3, 10, 2) = -1
+ * @endcode
+ * @par Source
+ * C. J. Clopper, E. S. Pearson, The use of confidence or fiducial limits illustrated in the case of
+ * the binomial, Biometrika 26, 1934.
  */
 ORVANTH_API(double) BinomialPS(double alpha, double successes, double trials,
                                int32_t boundSelector);
@@ -762,64 +871,147 @@ ORVANTH_API(double) BinomialPS(double alpha, double successes, double trials,
 /**
  * Point probability of the count of marked items in a sample drawn without replacement.
  *
- * @param[in] x  count; must be whole and in the support, max(0, n + r - N) to min(n, r)
- * @param[in] r  marked items in the population, at most N; a fraction is cut off
- *                 towards zero, and beyond unsigned 32 bits the count wraps around
- * @param[in] n  sample size, at most N, cut off likewise
- * @param[in] N  population size, cut off likewise
- * @return P(X = x).
+ * @par Formula
+ * @code{.unparsed}
+ * C(r, x) C(N - r, n - x) / C(N, n), as a ratio of nine factorials. For N to 170 they are doubles, for
+ * N to 104729 they have twice the digits of a double, above they are Lanczos approximations.
+ * @endcode
+ * @param[in] x  marked items in the sample: whole, from max(0, n + r - N) to min(n, r)
+ * @param[in] r  marked items in the population: at least 0, at most N; a fraction is cut off
+ * @param[in] n  sample size: at least 0, at most N; a fraction is cut off
+ * @param[in] N  population size: 0 to 2^32 - 1; a fraction is cut off
+ * @return P(X = x), clamped to [0, 1].
+ * @par Edges
+ * A count outside 0 to 2^32 - 1 wraps around modulo 2^32; from 2^63 on, an infinity or a NaN is 0.
  * @par Failure
- * Throws std::domain_error: "Parameter r out of range ...", "Parameter n out of range ...", "Random variable out of
- * range ..." (not whole, negative, outside the support); boost::math::rounding_error for an x that no 32-bit integer
- * holds, a NaN too.
+ * std::domain_error, tested in this order; every text begins "Error in function boost::math::".
+ * r > N: "... Parameter r out of range: must be <= N but got ...". n > N: the same with n.
+ * boost::math::rounding_error if x is a NaN, infinite or beyond a signed 32-bit integer: "... Value
+ * ... can not be represented in the target integer type.".
+ * Then std::domain_error. x negative or not whole: "... Random variable out of range: must be an
+ * integer but got ...". x below n + r - N: "... must be > 0 and > m + r - N but got ...". x above
+ * min(n, r): "... must be less than both n and r but got ...". n + r - N is a signed 32-bit number
+ * here: where it leaves that range its sign changes.
+ * Nothing sets errno.
  * @par Threads
  * Reentrant: calls may overlap in time.
- * @par Method
- * By population: factorials up to 170 (relative error to 5e-16), exact prime factorisation up to 104729 (to 1.2e-16),
- * the Lanczos approximation of C. Lanczos, SIAM J. Numer. Anal. 1 (1964) 86, above (about N machine epsilons: 2e-10
- * at a million).
+ * @par Memory
+ * None. A constant table of 280 kB belongs to the library.
+ * @par Accuracy
+ * Relative 5e-16 for N to 170; within one unit in the last place and almost always correctly rounded
+ * for N to 104729; about N machine epsilons above: 2e-10 at a million (docs/accuracy/discrete.md).
+ * @par Equivalents
+ * - R: dhyper(x, r, N - r, n)
+ * - SciPy: scipy.stats.hypergeom.pmf(x, N, r, n)
+ * @par Example
+ * @code{.unparsed}
+ * HypergeometricPDF(2, 5, 6, 20) = 0.352167
+ * HypergeometricPDF(0, 1000, 50, 50000) = 0.363988
+ * @endcode
+ * @par Source
+ * N. L. Johnson, A. W. Kemp, S. Kotz, Univariate Discrete Distributions, third edition, Wiley, 2005.
+ * T. J. Dekker, A floating-point technique for extending the available precision, Numerische
+ * Mathematik 18, 1971.
+ * C. Lanczos, A precision approximation of the gamma function, SIAM Journal on Numerical Analysis 1,
+ * 1964.
  */
 ORVANTH_API(double) HypergeometricPDF(double x, double r, double n, double N);
 
 /**
  * Cumulative probability of the count of marked items in a sample drawn without replacement.
  *
- * @param[in] x     count, as for HypergeometricPDF
- * @param[in] r     marked items in the population, at most N; a fraction is cut off
- *                    towards zero, and beyond unsigned 32 bits the count wraps around
- * @param[in] n     sample size, at most N, cut off likewise
- * @param[in] N     population size, cut off likewise
- * @param[in] tail  clear: P(X <= x); set: P(X > x)
- * @return the probability, clamped to [0, 1]; 1 at the end of the support (upper tail 0).
+ * @par Formula
+ * @code{.unparsed}
+ * A sum of C(r, i) C(N - r, n - i) / C(N, n): down from x if x is below the mode
+ * floor((r + 1)(n + 1) / (N + 2)), otherwise up from x + 1. Each term comes from the one before by the
+ * ratio of the two. The sum ends where a term falls to machine epsilon times the sum, or to machine
+ * epsilon where the result is 1 minus the sum. The time is proportional to the number of terms.
+ * @endcode
+ * @param[in] x     marked items in the sample: whole, from max(0, n + r - N) to min(n, r)
+ * @param[in] r     marked items in the population: at least 0, at most N; a fraction is cut off
+ * @param[in] n     sample size: at least 0, at most N; a fraction is cut off
+ * @param[in] N     population size: 0 to 2^32 - 1; a fraction is cut off
+ * @param[in] tail  clear: P(X <= x); set: P(X > x). Only the low byte counts
+ * @return the probability, clamped to [0, 1].
+ * @par Edges
+ * x = min(n, r): 1 (tail set: 0).
+ * A count outside 0 to 2^32 - 1 wraps around modulo 2^32; from 2^63 on, an infinity or a NaN is 0.
  * @par Failure
- * As HypergeometricPDF: an x outside the support throws.
+ * std::domain_error, tested in this order; every text begins "Error in function boost::math::".
+ * r > N: "... Parameter r out of range: must be <= N but got ...". n > N: the same with n.
+ * boost::math::rounding_error if x is a NaN, infinite or beyond a signed 32-bit integer: "... Value
+ * ... can not be represented in the target integer type.".
+ * Then std::domain_error. x negative or not whole: "... Random variable out of range: must be an
+ * integer but got ...". x below n + r - N: "... must be > 0 and > m + r - N but got ...". x above
+ * min(n, r): "... must be less than both n and r but got ...". n + r - N is a signed 32-bit number
+ * here: where it leaves that range its sign changes.
+ * Nothing sets errno.
+ * A value outside the support throws; the answer is not 0 or 1.
  * @par Threads
  * Reentrant: calls may overlap in time.
- * @par Method
- * A sum of neighbouring probabilities, each stepped from the one before, away from the mode; the other tail is 1 minus
- * it. The sum ends where a term falls to machine epsilon times the sum, or times 1 where it is taken from 1.
+ * @par Memory
+ * None.
+ * @par Accuracy
+ * The tail on the side of x away from the mode: relative 4e-15 for N to 104729, about N machine
+ * epsilons above. The other tail is 1 minus it (docs/accuracy/discrete.md).
+ * @par Equivalents
+ * - R: phyper(x, r, N - r, n); with tail set phyper(x, r, N - r, n, lower.tail = FALSE)
+ * - SciPy: scipy.stats.hypergeom.cdf(x, N, r, n); with tail set scipy.stats.hypergeom.sf(x, N, r, n)
+ * @par Example
+ * @code{.unparsed}
+ * HypergeometricCDF(2, 5, 6, 20, 0) = 0.868679
+ * HypergeometricCDF(2, 5, 6, 20, 1) = 0.131321
+ * HypergeometricCDF(5, 5, 6, 20, 0) = 1
+ * @endcode
+ * @par Source
+ * N. L. Johnson, A. W. Kemp, S. Kotz, Univariate Discrete Distributions, third edition, Wiley, 2005.
  */
 ORVANTH_API(double) HypergeometricCDF(double x, double r, double n, double N, TailFlag tail);
 
 /**
  * Quantile of the count of marked items in a sample drawn without replacement, rounded up.
  *
+ * @par Formula
+ * @code{.unparsed}
+ * With P = p, or P = 1 - p if tail is set: a count x with P(X < x) <= P <= P(X <= x), found by adding
+ * probabilities from the lower end of the support for P <= 1/2, otherwise from the upper end. A P that
+ * meets a step of the distribution goes to the count above the step; it meets a step within a relative
+ * slack of 50 machine epsilons for N to 104729 and of 2 N machine epsilons above. The time is
+ * proportional to the number of probabilities that are not negligible.
+ * @endcode
  * @param[in] p     in [0, 1]
- * @param[in] r     marked items in the population, at most N; a fraction is cut off
- *                    towards zero, and beyond unsigned 32 bits the count wraps around
- * @param[in] n     sample size, at most N, cut off likewise
- * @param[in] N     population size, cut off likewise
- * @param[in] tail  clear: the lower tail is p; set: the upper tail is p
- * @return the count; the lower end of the support at p = 0, the upper end at p = 1.
+ * @param[in] r     marked items in the population: at least 0, at most N; a fraction is cut off
+ * @param[in] n     sample size: at least 0, at most N; a fraction is cut off
+ * @param[in] N     population size: 0 to 2^32 - 1; a fraction is cut off
+ * @param[in] tail  clear: the lower tail is p; set: the upper tail is p. Only the low byte counts
+ * @return the count.
+ * @par Edges
+ * p = 0: max(0, n + r - N) (tail set: min(n, r)). p = 1: min(n, r) (tail set: max(0, n + r - N)).
+ * A count outside 0 to 2^32 - 1 wraps around modulo 2^32; from 2^63 on, an infinity or a NaN is 0.
  * @par Failure
- * Throws std::domain_error: "Parameter r out of range ...", "Parameter n out of range ...", "Probability argument is
- * ...".
+ * std::domain_error, tested in this order.
+ * r > N: "Error in function boost::math::hypergeometric_distribution<double>::... Parameter r out of
+ * range: must be <= N but got ...". n > N: the same with n.
+ * p outside [0, 1] or a NaN: "Error in function ... Probability argument is ..., but must be >= 0 and
+ * <= 1 !".
+ * Nothing sets errno.
  * @par Threads
  * Reentrant: calls may overlap in time.
- * @par Method
- * A walk from the lower end of the support for a lower tail up to 1/2, else from the upper end; probabilities that are
- * 0 as doubles are skipped. A target within a slack of a step goes to the step above it: 50 machine epsilons for N up to
- * 104729, 2 N of them beyond.
+ * @par Memory
+ * None.
+ * @par Accuracy
+ * Right unless P lies within the slack of a step (docs/accuracy/discrete.md).
+ * @par Equivalents
+ * - R: qhyper(p, r, N - r, n), which differs within the slack of a step
+ * - SciPy: scipy.stats.hypergeom.ppf(p, N, r, n) and .isf, likewise
+ * @par Example
+ * @code{.unparsed}
+ * HypergeometricICDF(0.95, 5, 6, 20, 0) = 3
+ * HypergeometricICDF(0.3, 5, 6, 20, 0) = 1
+ * HypergeometricICDF(1, 15, 8, 20, 1) = 3
+ * @endcode
+ * @par Source
+ * N. L. Johnson, A. W. Kemp, S. Kotz, Univariate Discrete Distributions, third edition, Wiley, 2005.
  */
 ORVANTH_API(double) HypergeometricICDF(double p, double r, double n, double N, TailFlag tail);
 
