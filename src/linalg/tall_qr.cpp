@@ -6,6 +6,7 @@
 
 #include <cblas.h>
 
+#include "linalg/column_products.hpp"
 #include "linalg/lapack.hpp"
 
 namespace orvanth {
@@ -52,12 +53,6 @@ template <class Function>
 void ForRows(const MatrixView& a, Function function) {
     for (std::int32_t first = 0; first < a.rows; first += std::min(kRowsTogether, a.rows - first))
         function(a.Block(first, 0, std::min(kRowsTogether, a.rows - first), a.columns));
-}
-
-// g := g + a' a, upper triangle.
-void AddProducts(const MatrixView& a, const MatrixView& g) {
-    cblas_dsyrk(CblasColMajor, CblasUpper, CblasTrans, a.columns, a.rows, 1.0, a.first, a.leadingDimension, 1.0,
-                g.first, g.leadingDimension);
 }
 
 // a := a r^-1.
@@ -126,7 +121,7 @@ bool FactorTall(const MatrixView& a, double* tau, double tolerance) {
     const MatrixView products = productsStorage.View(), r = rStorage.View(), top = topStorage.View();
 
     // The first pass only reads.
-    ForRows(a, [&](const MatrixView& rows) { AddProducts(rows, products); });
+    ForRows(a, [&](const MatrixView& rows) { AddColumnProducts(rows, products); });
     if (!AreSquaresModerate(products)) return false;
     Assign(r, products);
     if (!IsCholeskyDone(r) || !IsFarFromCollinear(products, r, tolerance)) return false;
@@ -139,7 +134,7 @@ bool FactorTall(const MatrixView& a, double* tau, double tolerance) {
     const MatrixView again = againStorage.View();
     ForRows(a, [&](const MatrixView& rows) {
         DivideBy(r, rows);
-        AddProducts(rows, again);
+        AddColumnProducts(rows, again);
     });
     IsCholeskyDone(again);  // it cannot fail: the products are those of nearly orthogonal columns
     for (std::int32_t j = 0; j < n; ++j) std::fill(r.Column(j) + j + 1, r.Column(j) + n, 0.0);

@@ -3,6 +3,7 @@
 #include "linalg/tall_qr.hpp"
 
 #include "linalg/column_by_column.hpp"
+#include "linalg/column_products.hpp"
 
 namespace orvanth::test {
 namespace {
@@ -30,6 +31,25 @@ bool IsFactored(Matrix a, double tolerance = 1e-7) {
     EXPECT_TRUE(a.IsPaddingIntact());
     EXPECT_TRUE(IsRogue(tau.back()));
     return isFactored;
+}
+
+TEST(ColumnProducts, AreAddedToTheUpperTriangleAlone) {
+    std::mt19937_64 random(kSeed);
+    for (int n : {1, 2, 3, 4, 5, 7, 8, 20, 31, 32})
+        for (int m : {1, 7, 8, 9, 40, 63, 512}) {
+            Matrix a(m, n, 3, 2), g(n, n, 1, 3);
+            FillRandom(a, random);
+            FillBy(g, [](int i, int j) { return i + 100.0 * j; });
+            AddColumnProducts(ViewOf(a), ViewOf(g));
+            for (int j = 0; j < n; ++j)
+                for (int i = 0; i < n; ++i) {
+                    long double sum = i + 100.0L * j;
+                    for (int row = 0; i <= j && row < m; ++row)
+                        sum += static_cast<long double>(a(row, i)) * a(row, j);
+                    EXPECT_NEAR(g(i, j), static_cast<double>(sum), 1e-11) << m << " x " << n << " " << i << " " << j;
+                }
+            EXPECT_TRUE(g.IsPaddingIntact());
+        }
 }
 
 TEST(TallQR, OnlyLargeNarrowDesignsAreTall) {
