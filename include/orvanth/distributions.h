@@ -23,6 +23,8 @@
  *         same with b.
  * @par Failure
  * Silent. A bad a, b or x: NaN, errno 33.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * From the incomplete beta function of Boost.Math.
  */
@@ -38,6 +40,8 @@ ORVANTH_API(double) BetaPDF(double x, double a, double b);
  * @return the probability; 0 at x = 0 and 1 at x = 1; in the upper tail the reverse.
  * @par Failure
  * Silent. A bad a, b or x: NaN, errno 33.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * From the incomplete beta function of Boost.Math.
  */
@@ -53,6 +57,8 @@ ORVANTH_API(double) BetaCDF(double x, double a, double b, TailFlag tail);
  * @return x; 0 at p = 0 and 1 at p = 1; in the upper tail the reverse.
  * @par Failure
  * Silent. A bad a or b, or p outside [0, 1] or a NaN: NaN, errno 33.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * From the incomplete beta function of Boost.Math.
  */
@@ -66,6 +72,8 @@ ORVANTH_API(double) BetaICDF(double p, double a, double b, TailFlag tail);
  * @return x^(df/2-1) exp(-x/2) / (2^(df/2) Gamma(df/2)). At x = 0: +infinity with errno 34 for df < 2, 0.5 for df = 2, 0 above.
  * @par Failure
  * Silent. A bad df or x: NaN, errno 33.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * From the incomplete gamma function of Boost.Math.
  */
@@ -80,6 +88,8 @@ ORVANTH_API(double) ChiSquaredPDF(double x, double df);
  * @return the probability; 0 at x = 0 (upper tail 1). An infinite x is refused.
  * @par Failure
  * Silent. A bad df or x: NaN, errno 33.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * From the incomplete gamma function of Boost.Math.
  */
@@ -94,6 +104,8 @@ ORVANTH_API(double) ChiSquaredCDF(double x, double df, TailFlag tail);
  * @return x; 0 at p = 0; +infinity with errno untouched at p = 1; in the upper tail the reverse.
  * @par Failure
  * Silent. A bad df with a good p: NaN, errno 33. p outside [0, 1]: errno 33, and the calculation goes on to NaN.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * From the incomplete gamma function of Boost.Math.
  */
@@ -108,6 +120,8 @@ ORVANTH_API(double) ChiSquaredICDF(double p, double df, TailFlag tail);
  * @return the density. At x = 0: +infinity with errno 34 for df1 < 2, 1 for df1 = 2, 0 above.
  * @par Failure
  * Silent. A bad df1, df2 or x: NaN, errno 33.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * From the incomplete beta function of Boost.Math.
  */
@@ -123,6 +137,8 @@ ORVANTH_API(double) FisherFPDF(double x, double df1, double df2);
  * @return the probability; 0 at x = 0 (upper tail 1). An infinite x is refused.
  * @par Failure
  * Silent. A bad df1, df2 or x: NaN, errno 33.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * From the incomplete beta function of Boost.Math.
  */
@@ -138,6 +154,8 @@ ORVANTH_API(double) FisherFCDF(double x, double df1, double df2, TailFlag tail);
  * @return x; 0 at p = 0, +infinity at p = 1; in the upper tail the reverse.
  * @par Failure
  * Silent. A bad df1 with all else good: NaN, errno 33. Other bad input: errno 33, and the calculation goes on to NaN.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * From the incomplete beta function of Boost.Math.
  */
@@ -152,6 +170,8 @@ ORVANTH_API(double) FisherFICDF(double p, double df1, double df2, TailFlag tail)
  * @return x^(shape-1) exp(-x/scale) / (scale^shape Gamma(shape)). At x = 0 the answer is 0 for every shape, on purpose.
  * @par Failure
  * Silent. A bad shape, scale or x: NaN, errno 33.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * From the incomplete gamma function of Boost.Math.
  */
@@ -167,6 +187,8 @@ ORVANTH_API(double) GammaPDF(double x, double shape, double scale);
  * @return the probability; 0 at x = 0 (upper tail 1). An infinite x is refused.
  * @par Failure
  * Silent. A bad shape, scale or x: NaN, errno 33.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * From the incomplete gamma function of Boost.Math.
  */
@@ -182,6 +204,8 @@ ORVANTH_API(double) GammaCDF(double x, double shape, double scale, TailFlag tail
  * @return x; 0 at p = 0; +infinity with errno 34 at p = 1; in the upper tail the reverse.
  * @par Failure
  * Silent. A bad shape or scale, or p outside [0, 1] or a NaN: NaN, errno 33.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * From the incomplete gamma function of Boost.Math.
  */
@@ -198,6 +222,8 @@ ORVANTH_API(double) GammaICDF(double p, double shape, double scale, TailFlag tai
  * @par Failure
  * Silent. A bad sd or mean, or x a NaN: NaN, errno 33. With an infinite x and a bad parameter: 0,
  * errno 33.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  */
 ORVANTH_API(double) NormalPDF(double x, double mean, double sd);
 
@@ -214,6 +240,8 @@ ORVANTH_API(double) NormalPDF(double x, double mean, double sd);
  * Silent. A bad sd or mean, or x a NaN: NaN, errno 33. The two tails differ in order on purpose: the
  * upper tail answers an infinite x with 0 or 1 ahead of the parameters (errno is 33 all the same),
  * the lower tail after them.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  */
 ORVANTH_API(double) NormalCDF(double x, double mean, double sd, TailFlag tail);
 
@@ -227,6 +255,8 @@ ORVANTH_API(double) NormalCDF(double x, double mean, double sd, TailFlag tail);
  * @return -+InverseErfC(2 p) sd sqrt 2 + mean. At p = 0 and p = 1 an infinity with errno 34.
  * @par Failure
  * Silent. A bad sd or mean, or p outside [0, 1] or a NaN: NaN, errno 33.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  */
 ORVANTH_API(double) NormalICDF(double p, double mean, double sd, TailFlag tail);
 
@@ -238,6 +268,8 @@ ORVANTH_API(double) NormalICDF(double p, double mean, double sd, TailFlag tail);
  * @return the density; 0 at +-infinity, NaN for NaN without errno.
  * @par Failure
  * Silent. A bad df: NaN, errno 33.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * From the incomplete beta function, and W. T. Shaw's and G. W. Hill's expansions for the quantile (J. Comp. Fin. 9 (2006) 37; CACM 13 (1970) 619): Boost.Math.
  */
@@ -252,6 +284,8 @@ ORVANTH_API(double) StudentTPDF(double x, double df);
  * @return the probability; 0.5 at x = 0. The upper tail is the lower tail at -x, bit for bit.
  * @par Failure
  * Silent. A bad df: NaN, errno 33.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * From the incomplete beta function, and W. T. Shaw's and G. W. Hill's expansions for the quantile (J. Comp. Fin. 9 (2006) 37; CACM 13 (1970) 619): Boost.Math.
  */
@@ -267,6 +301,8 @@ ORVANTH_API(double) StudentTCDF(double x, double df, TailFlag tail);
  *         result, so that p = 0.5 gives -0.
  * @par Failure
  * Silent. A bad df: NaN, errno 33. p outside [0, 1]: NaN, errno 33.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * From the incomplete beta function, and W. T. Shaw's and G. W. Hill's expansions for the quantile (J. Comp. Fin. 9 (2006) 37; CACM 13 (1970) 619): Boost.Math.
  */
@@ -282,6 +318,8 @@ ORVANTH_API(double) StudentTICDF(double p, double df, TailFlag tail);
  * @par Failure
  * Throws std::domain_error, tests in this order: "Success fraction argument is ...", "Number of Trials argument is
  * ...", "Number of Successes argument is ..." (below 0, or above n).
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * The derivative of the incomplete beta function at p, divided by n + 1. Relative error up to 4e-15 for n to 30,
  * 3e-11 for n to 10^6.
@@ -298,6 +336,8 @@ ORVANTH_API(double) BinomialPDF(double k, double n, double p);
  * @return 1 - I_p(k + 1, n - k), in the upper tail I_p(k + 1, n - k); at k = n 1 and 0.
  * @par Failure
  * As BinomialPDF: a k above n throws, it does not answer 1.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * The regularized incomplete beta function. Relative error of both tails up to 1e-13 for n to 1000, 3e-11 for n to
  * 10^6.
@@ -317,6 +357,8 @@ ORVANTH_API(double) BinomialCDF(double k, double n, double p, TailFlag tail);
  * Throws std::domain_error as BinomialPDF, and "Probability argument is ..." with the lower tail, which for a set tail
  * is 1 - probability. Beyond 2^52 trials, where neighbouring counts are neighbouring doubles, the search may end in
  * "Parameters a and b out of order ..." (std::domain_error).
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * A Cornish-Fisher estimate, and from there a search for the real solution on the smaller of the two tails, at most
  * 200 steps. With p = 1 the solution is n, approached from below: n - 1 rounded down, n rounded up.
@@ -336,6 +378,8 @@ ORVANTH_API(double) BinomialICDF(double probability, double n, double p, TailFla
  * @par Failure
  * Throws std::domain_error: "Number of Trials argument is ...", "Number of Successes argument is ...", "Argument p
  * outside the range [0,1] ..." (lower) or "Argument q ..." (upper).
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * C. J. Clopper and E. S. Pearson, Biometrika 26 (1934) 404, by the inverse incomplete beta function.
  */
@@ -355,6 +399,8 @@ ORVANTH_API(double) BinomialPS(double alpha, double successes, double trials,
  * Throws std::domain_error: "Parameter r out of range ...", "Parameter n out of range ...", "Random variable out of
  * range ..." (not whole, negative, outside the support); boost::math::rounding_error for an x that no 32-bit integer
  * holds, a NaN too.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * By population: factorials up to 170 (relative error to 5e-16), exact prime factorisation up to 104729 (to 1.2e-16),
  * the Lanczos approximation of C. Lanczos, SIAM J. Numer. Anal. 1 (1964) 86, above (about N machine epsilons: 2e-10
@@ -374,6 +420,8 @@ ORVANTH_API(double) HypergeometricPDF(double x, double r, double n, double N);
  * @return the probability, clamped to [0, 1]; 1 at the end of the support (upper tail 0).
  * @par Failure
  * As HypergeometricPDF: an x outside the support throws.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * A sum of neighbouring probabilities, each stepped from the one before, away from the mode; the other tail is 1 minus
  * it. The sum ends where a term falls to machine epsilon times the sum, or times 1 where it is taken from 1.
@@ -393,6 +441,8 @@ ORVANTH_API(double) HypergeometricCDF(double x, double r, double n, double N, Ta
  * @par Failure
  * Throws std::domain_error: "Parameter r out of range ...", "Parameter n out of range ...", "Probability argument is
  * ...".
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * A walk from the lower end of the support for a lower tail up to 1/2, else from the upper end; probabilities that are
  * 0 as doubles are skipped. A target within a slack of a step goes to the step above it: 50 machine epsilons for N up to

@@ -26,6 +26,8 @@
  * A call takes microseconds, but milliseconds in two places: the upper tail for n from 141 to 200000 and
  * n x^2 >= 2.2 sums up to n terms, and the lower tail for n up to 100000 with n^2 x^3 <= 2 raises a matrix
  * of 2 n x columns to the power n.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * By region: J. Durbin's matrix power, J. Pomeranz' recursion (Comm. ACM 17 (1974) 703), the series of
  * W. Pelz and I. J. Good (J. Roy. Statist. Soc. B 38 (1976) 152), and twice the one-sided tail.
@@ -45,6 +47,8 @@ ORVANTH_API(double) KolmogorovCDF(double x, double n, int32_t complement);
  * Throws boost::math::evaluation_error, "Unable to bracket root, last nearest value was ...", for p outside
  * [0, 1] or a NaN, and for an n that no sample can have (below 0, 0, a NaN, 2^31 and more). An n between
  * 0 and 1 gives 1, where the probability jumps. errno stays as it was.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * Bracketing by steps of 2 and the TOMS 748 root search (Alefeld, Potra, Shi 1995), at most 100 evaluations.
  */

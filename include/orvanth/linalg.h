@@ -35,6 +35,9 @@
  * @return INFO of dgeqrf: 0; -1 rows, -2 columns, -4 leadingDimension; -7 for more than 10000 columns.
  * @par Failure
  * Status; a rejected call changes nothing. No columns or no rows: 0 at once.
+ * @par Threads
+ * Not reentrant: works on storage of the whole process. Calls of
+ * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
  * @par Source
  * LAPACK; the diagonal of R has the sign opposite to the element that its reflector began with.
  */
@@ -52,6 +55,9 @@ ORVANTH_API(int32_t) QR(double* a, const MatrixDescriptor* descriptor, double* t
  * @return INFO of dgeqp3: 0; -1 rows, -2 columns, -4 leadingDimension; -8 for more than 3333 columns.
  * @par Failure
  * Status; a rejected call changes nothing.
+ * @par Threads
+ * Not reentrant: works on storage of the whole process. Calls of
+ * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
  * @par Source
  * LAPACK; G. Quintana-Orti, X. Sun, C. H. Bischof, SIAM J. Sci. Comput. 19 (1998) 1486-1494.
  */
@@ -68,6 +74,9 @@ ORVANTH_API(int32_t) QRP(double* a, const MatrixDescriptor* descriptor, double* 
  * @par Failure
  * Status; a rejected call changes nothing. After QRP it is the Q of the permuted matrix; jpvt is applied by
  * no export.
+ * @par Threads
+ * Not reentrant: works on storage of the whole process. Calls of
+ * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
  */
 ORVANTH_API(int32_t) QR_Q(double* a, const MatrixDescriptor* descriptor, const double* tau);
 
@@ -84,6 +93,9 @@ ORVANTH_API(int32_t) QR_Q(double* a, const MatrixDescriptor* descriptor, const d
  *         -7 and -10 the leading dimensions; -12 for more than 10000 columns of c.
  * @par Failure
  * Status; a rejected call changes nothing.
+ * @par Threads
+ * Not reentrant: works on storage of the whole process. Calls of
+ * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
  */
 ORVANTH_API(int32_t) QR_Qy(double* a, const MatrixDescriptor* aDescriptor, int32_t transpose,
                            const double* tau, double* c, const MatrixDescriptor* cDescriptor);
@@ -103,6 +115,9 @@ ORVANTH_API(int32_t) QR_Qy(double* a, const MatrixDescriptor* aDescriptor, int32
  *         did not converge.
  * @par Failure
  * Status; a negative one changes nothing.
+ * @par Threads
+ * Not reentrant: works on storage of the whole process. Calls of
+ * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
  * @par Source
  * LAPACK's divide and conquer; M. Gu, S. C. Eisenstat, SIAM J. Matrix Anal. Appl. 16 (1995) 79-92.
  */
@@ -123,6 +138,8 @@ ORVANTH_API(int32_t) FullSVD(double* a, const MatrixDescriptor* aDescriptor, dou
  * @return INFO of dgesdd, as for FullSVD, without the limit of the workspace: scratch is allocated for the call.
  * @par Failure
  * Status; a negative one changes nothing.
+ * @par Threads
+ * Reentrant: calls may overlap in time if they write to different arrays.
  */
 ORVANTH_API(int32_t) ThinSVD(double* a, const MatrixDescriptor* aDescriptor, double* s, double* u,
                              const MatrixDescriptor* uDescriptor, double* vt,
@@ -143,6 +160,8 @@ ORVANTH_API(int32_t) ThinSVD(double* a, const MatrixDescriptor* aDescriptor, dou
  * @par Failure
  * Status; a negative one leaves all matrices as they were. A rejected argument, unlike a matrix that is not
  * finite, leaves a block of 8 n bytes allocated.
+ * @par Threads
+ * Reentrant: calls may overlap in time if they write to different arrays.
  * @par Source
  * LAPACK's relatively robust representations; I. S. Dhillon, B. N. Parlett, Linear Algebra Appl. 387 (2004) 1-28.
  */
@@ -162,6 +181,9 @@ ORVANTH_API(int32_t) EigenSymmetric(double* a, const MatrixDescriptor* aDescript
  *         triangular factor is exactly zero.
  * @par Failure
  * Status; a negative one changes nothing.
+ * @par Threads
+ * Not reentrant: works on storage of the whole process. Calls of
+ * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
  */
 ORVANTH_API(int32_t) LS(double* a, const MatrixDescriptor* aDescriptor, double* b,
                         const MatrixDescriptor* bDescriptor);
@@ -186,6 +208,9 @@ ORVANTH_API(int32_t) LS(double* a, const MatrixDescriptor* aDescriptor, double* 
  *         m < n, -5 after a has been factored and x has been overwritten.
  * @par Failure
  * Status. std::bad_alloc if n integers cannot be allocated.
+ * @par Threads
+ * Not reentrant: works on storage of the whole process. Calls of
+ * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
  * @par Source
  * Householder QR without pivoting; downdated column norms as in Z. Drmac, Z. Bujanovic, ACM Trans. Math.
  * Softw. 35 (2008) 12.
@@ -207,6 +232,8 @@ ORVANTH_API(int32_t) OLS(double* a, const MatrixDescriptor* aDescriptor, double*
  *         i-th diagonal element is exactly zero.
  * @par Failure
  * Status; any but 0 leaves b unchanged.
+ * @par Threads
+ * Reentrant: calls may overlap in time if they write to different arrays.
  */
 ORVANTH_API(int32_t) SolveTriangularSystem(const double* a, const MatrixDescriptor* aDescriptor,
                                            int32_t upper, int32_t transpose, double* b,
@@ -223,6 +250,8 @@ ORVANTH_API(int32_t) SolveTriangularSystem(const double* a, const MatrixDescript
  *         m < 1: 0, and nothing is read. n = 0: the sum of squares of y.
  * @par Failure
  * None; infinities and NaNs go their way through the sums.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  */
 ORVANTH_API(double) Xb(const double* x, const MatrixDescriptor* descriptor, const double* b,
                        const double* y);

@@ -36,6 +36,8 @@
  * @par Failure
  * Throws std::domain_error: df <= 0 or a NaN ("Degrees of freedom argument is ..."), x a NaN or |lambda[0]| > 1
  * ("Random variate x is ..."). errno stays as it was.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * 48-point Gauss-Legendre over the scale, 48-point Gauss-Hermite over the latent normal variable.
  */
@@ -54,6 +56,8 @@ ORVANTH_API(double) MCaCDF(double x, int32_t k, double df, const double* lambda,
  * Throws. std::domain_error: df <= 0 or not finite ("Degrees of freedom argument is ..."; an infinite df is
  * refused here although the cumulative form takes it); a p that has no solution ("Parameters a and b do not
  * bracket the root: a=..."). std::overflow_error, "Overflow Error": p = 1, with a set tail p = 0.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * TOMS 748 between the quantile of one comparison and Bonferroni's bound, to 24 bits.
  */
@@ -70,6 +74,8 @@ ORVANTH_API(double) MCaICDF(double p, int32_t k, double df, const double* lambda
  * @return the probability, not clamped; about 0.9999999 at x = infinity.
  * @par Failure
  * As MCaCDF; |lambda[j]| > 1 counts for every j but the last.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * As MCaCDF. C. W. Dunnett, J. Amer. Statist. Assoc. 50 (1955) 1096; J. C. Hsu, Ann. Statist. 9 (1981) 1026.
  */
@@ -86,6 +92,8 @@ ORVANTH_API(double) MCbCDF(double x, int32_t k, double df, const double* lambda,
  * @return x within a relative 2^-23.
  * @par Failure
  * As MCaICDF; p = 0 (with a set tail p = 1) throws std::overflow_error as well.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * As MCaICDF.
  */
@@ -103,6 +111,8 @@ ORVANTH_API(double) MCbICDF(double p, int32_t k, double df, const double* lambda
  *         negative x the product of k - 1 negative factors.
  * @par Failure
  * As MCbCDF.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * As MCaCDF. C. W. Dunnett, J. Amer. Statist. Assoc. 50 (1955) 1096.
  */
@@ -119,6 +129,8 @@ ORVANTH_API(double) MCcCDF(double x, int32_t k, double df, const double* lambda,
  * @return x within a relative 2^-23.
  * @par Failure
  * As MCaICDF.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * As MCaICDF.
  */

@@ -29,6 +29,8 @@
  * @par Failure
  * In band: -4.4462302923349974e+196, a finite number, where the mean lies outside the table or no
  * distribution exists (odds <= 0 with n > N - m, inconsistent counts). errno stays as it was.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Memory
  * The call's table, 8 bytes an entry, is not released, on purpose.
  * @par Method
@@ -51,6 +53,8 @@ ORVANTH_API(double) FNCHypergeometricCDF(int32_t x, int32_t n, int32_t m, int32_
  *         for p <= 0, the last for p > 1 and for a NaN.
  * @par Failure
  * In band: -4.4462302923349974e+196 where no distribution exists.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * Binary search in the table of cumulative sums.
  */
@@ -69,6 +73,8 @@ ORVANTH_API(double) FNCHypergeometricICDF(double p, int32_t n, int32_t m, int32_
  * @par Failure
  * In band: for odds 0 with n > N - m sums of -4.4462302923349974e+196; NaN for negative odds. Offsets from
  * the mean are squared in 32 bits: beyond 46340 steps the variance is not to be relied on.
+ * @par Threads
+ * Reentrant: calls may overlap in time if they write to different arrays.
  * @par Method
  * Point probabilities from log-factorials, summed outward from the mean to a relative 1e-9.
  */

@@ -38,6 +38,8 @@
  *                   zero projected gradient does
  * @return the state, to be released by LBFGSBEnd; null if n is negative, if memory is short, or if the workspace would
  *         have 2^31 doubles or more
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  */
 ORVANTH_API(LBFGSBDriverState*) LBFGSBStart(int32_t n, int32_t m, const double* l, const double* u,
                                             const int32_t* nbd, double factr, double pgtol);
@@ -66,6 +68,9 @@ ORVANTH_API(LBFGSBDriverState*) LBFGSBStart(int32_t n, int32_t m, const double* 
  * @param[in,out] f      the function's value at x; its value at the first step does not matter
  * @param[in,out] g      n doubles: the gradient at x; their values at the first step do not matter, but are returned
  * @return the code
+ * @par Threads
+ * Not reentrant: works on storage of the whole process. Calls of
+ * LBFGSBStep and LBFGSBEnd must not overlap in time, even on different handles.
  */
 ORVANTH_API(int32_t) LBFGSBStep(LBFGSBDriverState* state, double* x, double* f, double* g);
 
@@ -73,6 +78,9 @@ ORVANTH_API(int32_t) LBFGSBStep(LBFGSBDriverState* state, double* x, double* f, 
  * Closes a minimisation, finished or not, and releases its state.
  *
  * @param[in] state  of LBFGSBStart, right after any code and also without any step; null is let be
+ * @par Threads
+ * Not reentrant: works on storage of the whole process. Calls of
+ * LBFGSBStep and LBFGSBEnd must not overlap in time, even on different handles.
  */
 ORVANTH_API(void) LBFGSBEnd(LBFGSBDriverState* state);
 

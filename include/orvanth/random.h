@@ -20,6 +20,8 @@
  * @return the handle, to be given to DeleteRandomStream; 0 if there is no memory.
  * @par Method
  * M. Matsumoto and T. Nishimura, ACM Trans. Model. Comput. Simul. 8 (1998) 3; seeding by an array of one word.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  */
 ORVANTH_API(RandomStreamHandle) CreateRandomStream(int32_t seed);
 
@@ -31,6 +33,8 @@ ORVANTH_API(RandomStreamHandle) CreateRandomStream(int32_t seed);
  * @par Failure
  * A negative status is also told on standard output: a blank line and "... Parameter 1 was incorrect on entry to
  * vslDeleteStream.".
+ * @par Threads
+ * One thread at a time for each handle. Calls with different handles may overlap in time.
  */
 ORVANTH_API(int32_t) DeleteRandomStream(RandomStreamHandle stream);
 
@@ -47,6 +51,8 @@ ORVANTH_API(int32_t) DeleteRandomStream(RandomStreamHandle stream);
  * @par Failure
  * Told on standard output alone, `values` untouched: sigma <= 0 (parameter 6), count < 0 (3), null values (4) of
  * vdRngGaussian.
+ * @par Threads
+ * Reentrant: calls may overlap in time if they write to different arrays.
  * @par Method
  * Inversion: erfinv from a table of 212 intervals, to under one unit in the last place.
  */
@@ -65,6 +71,8 @@ ORVANTH_API(int32_t) RandomNormalVariable(double* values, int32_t count, double 
  * @return always 0. The array is that of RandomNormalVariable with rows * columns variates.
  * @par Failure
  * As RandomNormalVariable, one message per column.
+ * @par Threads
+ * Reentrant: calls may overlap in time if they write to different arrays.
  * @par Method
  * As RandomNormalVariable.
  */
@@ -81,6 +89,8 @@ ORVANTH_API(int32_t) RandomNormalVariables(double* values, int32_t rows, int32_t
  *         values.
  * @par Failure
  * A negative status is also told on standard output, by parameter of viRngUniform; nothing is drawn.
+ * @par Threads
+ * One thread at a time for each handle. Calls with different handles may overlap in time.
  * @par Method
  * The floor of word * (count 2^-32), without rejection: the small bias is part of the sequence.
  */

@@ -20,6 +20,8 @@
  * @par Failure
  * Silent. Outside the range errno is left alone, on purpose. A tiny positive x whose result leaves the range of
  * doubles: +infinity, errno 34.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * Lanczos approximation of Boost.Math.
  */
@@ -32,6 +34,8 @@ ORVANTH_API(double) Gamma(double x);
  * @return ln |Gamma(x)|; NaN for NaN. Beyond 4.3e25 NaN: there the approximation leaves the range of doubles.
  * @par Failure
  * Throws std::domain_error at 0 and the negative integers: "Evaluation of lgamma at a negative integer ...".
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * Lanczos approximation of Boost.Math, minimax forms around 1 and 2.
  */
@@ -45,6 +49,8 @@ ORVANTH_API(double) GammaLn(double x);
  * @return P(a, x), 0 at x = 0; NaN if an argument is a NaN.
  * @par Failure
  * Throws std::domain_error for a <= 0 or x < 0.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * Series, continued fraction, Temme's uniform expansion: Boost.Math.
  */
@@ -58,6 +64,8 @@ ORVANTH_API(double) GammaRegularized(double a, double x);
  * @return Q(a, x), 1 at x = 0; NaN if an argument is a NaN.
  * @par Failure
  * Throws std::domain_error for a <= 0 or x < 0.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * As GammaRegularized.
  */
@@ -72,6 +80,8 @@ ORVANTH_API(double) GammaRegularizedC(double a, double x);
  * @par Failure
  * Throws std::domain_error for a <= 0 or x < 0; std::overflow_error, "Overflow Error", at x = 0 with a < 1 and where
  * the result leaves the range of doubles.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * The prefix of the incomplete gamma function: Boost.Math.
  */
@@ -86,6 +96,8 @@ ORVANTH_API(double) GammaDerivative(double a, double x);
  * @par Failure
  * Silent. a <= 0 or x < 0: errno 33, the calculation goes on and gives NaN. A result beyond double: +infinity, errno
  * 34. Where Gamma(a) and the upper part both leave the range: NaN, errno 34.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * As GammaRegularized.
  */
@@ -99,6 +111,8 @@ ORVANTH_API(double) IncompleteGammaLower(double a, double x);
  * @return the integral of t^(a-1) exp(-t) from x to infinity.
  * @par Failure
  * Silent, as IncompleteGammaLower.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * As GammaRegularized.
  */
@@ -113,6 +127,8 @@ ORVANTH_API(double) IncompleteGammaUpper(double a, double x);
  * @par Failure
  * Silent. a <= 0 or p outside [0, 1]: errno 33, the calculation goes on: 0 at p = 0, the largest double at p = 1,
  * otherwise NaN.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * Didonato and Morris' estimate (ACM Trans. Math. Softw. 12 (1986) 377) and Halley's iteration: Boost.Math.
  */
@@ -126,6 +142,8 @@ ORVANTH_API(double) InverseGammaRegularized(double a, double p);
  * @return x; the largest double (not infinity, errno untouched) at q = 0, 0 at q = 1.
  * @par Failure
  * Silent, as InverseGammaRegularized with the ends exchanged.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * As InverseGammaRegularized.
  */
@@ -139,6 +157,8 @@ ORVANTH_API(double) InverseGammaRegularizedC(double a, double q);
  * @return Gamma(a) Gamma(b) / Gamma(a + b); NaN if an argument is a NaN.
  * @par Failure
  * Throws std::domain_error for a <= 0 or b <= 0; std::overflow_error, "numeric overflow", beyond double.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * Lanczos approximation of Boost.Math.
  */
@@ -153,6 +173,8 @@ ORVANTH_API(double) Beta(double a, double b);
  * @return I_x(a, b); NaN if an argument is a NaN.
  * @par Failure
  * Throws std::domain_error: x outside [0, 1], a < 0, b < 0, a = b = 0, in this order.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * Series, continued fraction, asymptotic forms (Didonato and Morris, ACM Trans. Math. Softw. 18 (1992) 360):
  * Boost.Math.
@@ -168,6 +190,8 @@ ORVANTH_API(double) BetaRegularized(double a, double b, double x);
  * @return 1 - I_x(a, b); NaN if an argument is a NaN.
  * @par Failure
  * As BetaRegularized.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * As BetaRegularized.
  */
@@ -184,6 +208,8 @@ ORVANTH_API(double) BetaRegularizedC(double a, double b, double x);
  * @par Failure
  * Silent. a <= 0, b <= 0 or x outside [0, 1]: errno 33 and the calculation goes on, commonly to NaN, or to +infinity
  * with errno 34.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * The power terms of the incomplete beta function: Boost.Math.
  */
@@ -198,6 +224,8 @@ ORVANTH_API(double) BetaDerivative(double a, double b, double x);
  * @return x; 0 at p = 0, 1 at p = 1, p itself for a = b = 1; NaN if an argument is a NaN.
  * @par Failure
  * Silent. a <= 0, b <= 0 or p outside [0, 1]: NaN, errno 33, nothing is computed.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * N. Temme's estimates (J. Comp. Appl. Math. 41 (1992) 145) and Halley's iteration: Boost.Math.
  */
@@ -213,6 +241,8 @@ ORVANTH_API(double) InverseBetaRegularized(double a, double b, double p);
  * @param[out] complement  1 - x, precise where x is near 1; may be null
  * @par Failure
  * Silent. a <= 0, b <= 0 or p outside [0, 1]: NaN through `result`, errno 33, and `complement` keeps what it held.
+ * @par Threads
+ * Reentrant: calls may overlap in time if they write to different arrays.
  * @par Method
  * As InverseBetaRegularized.
  */
@@ -229,6 +259,8 @@ ORVANTH_API(void) InverseBetaRegularized2(double a, double b, double p, double* 
  * @par Failure
  * Silent, and unlike InverseBetaRegularized on purpose: a <= 0, b <= 0 or q outside [0, 1]: errno 33, and the
  * calculation goes on to NaN.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * As InverseBetaRegularized.
  */
@@ -244,6 +276,8 @@ ORVANTH_API(double) InverseBetaRegularizedC(double a, double b, double q);
  * @param[out] complement  1 - x, precise where x is near 1; may be null
  * @par Failure
  * Silent, as InverseBetaRegularizedC; a NaN goes through both pointers.
+ * @par Threads
+ * Reentrant: calls may overlap in time if they write to different arrays.
  * @par Method
  * As InverseBetaRegularized.
  */
@@ -257,6 +291,8 @@ ORVANTH_API(void) InverseBetaRegularizedC2(double a, double b, double q, double*
  * @return erf(x), odd in x; 0 at 0, +-1 at +-infinity; NaN for NaN.
  * @par Failure
  * None occurs: errno stays as it was.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * Rational approximations by intervals of Boost.Math, in 53 bits.
  */
@@ -270,6 +306,8 @@ ORVANTH_API(double) Erf(double x);
  *         to 0 without a mark.
  * @par Failure
  * None occurs: errno stays as it was.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * Rational approximations by intervals of Boost.Math, in 53 bits.
  */
@@ -282,6 +320,8 @@ ORVANTH_API(double) ErfC(double x);
  * @return x; 0 at p = 0, +-infinity at p = +-1 with errno 34; NaN for NaN.
  * @par Failure
  * Silent. p outside [-1, 1]: NaN, errno 33.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * Rational approximations by intervals of Boost.Math.
  */
@@ -294,6 +334,8 @@ ORVANTH_API(double) InverseErf(double p);
  * @return x; 0 at z = 1; +infinity at z = 0 and -infinity at z = 2, both with errno 34; NaN for NaN.
  * @par Failure
  * Silent. z outside [0, 2]: NaN, errno 33.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * Rational approximations by intervals of Boost.Math.
  */
@@ -308,6 +350,8 @@ ORVANTH_API(double) InverseErfC(double z);
  * @par Failure
  * Throws, errno stays as it was. x < -1: std::domain_error, "log1p(x) requires x > -1, but got
  * x = ...". x = -1: std::overflow_error, "Overflow Error"; the answer is not -infinity.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Method
  * With u = 1 + x rounded, ln(u) * (x / (u - 1)): the quotient repairs the rounding of u
  * (W. Kahan; N. J. Higham, Accuracy and Stability of Numerical Algorithms, section 1.14.1).

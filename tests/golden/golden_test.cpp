@@ -46,7 +46,7 @@ const orvanth::test::Library& CoreMath() {
 
 const std::map<std::string, Entry>& Entries() {
     static const std::map<std::string, Entry> entries{
-#define EXPORT(folder, name, result, arguments, failure) {#name, MakeEntry<result(*) arguments>(CoreMath(), #name)},
+#define EXPORT(folder, name, result, arguments, ...) {#name, MakeEntry<result(*) arguments>(CoreMath(), #name)},
 #include "frame/exports.def"
 #undef EXPORT
     };
