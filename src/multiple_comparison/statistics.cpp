@@ -50,7 +50,7 @@ double OverTheLatent(const std::array<double, kRulePoints>& products) {
     return sum / kRootPi;
 }
 
-// U(c_0 a_i) at the nodes. A NaN is not refused here but by the first ConditionalCDF: the tests of the
+// U(c_0 a_i) at the nodes. A NaN is refused by the first ConditionalCDF and not here: the tests of the
 // degrees of freedom come before it, and with two groups no quantile needs these terms.
 std::array<double, kRulePoints> TukeyFixedTerms(double lambda, double c) {
     std::array<double, kRulePoints> terms{};
@@ -106,6 +106,7 @@ TukeyDistribution::TukeyDistribution(std::int32_t k, double df, const double* la
       fixedTerms_(TukeyFixedTerms(lambda0_, scale0_)) {}
 
 double TukeyDistribution::ConditionalCDF(double x, double s) const {
+    if (std::isnan(scale0_)) return RejectNormalArgument(-scale0_);
     const double v = x * s;
     double sum = 0.0;
     for (std::size_t i = 0; i < kRulePoints; ++i) {
