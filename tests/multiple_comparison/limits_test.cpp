@@ -88,19 +88,24 @@ double QuantileTo(unsigned bits, const Family& family, double p, std::int32_t k,
     return (high - low) * 0.5 + low;
 }
 
+// Points at which one bit fewer, or one bit more, ends the solver at another bracket.
+struct BitPoint {
+    int family;
+    std::int32_t k;
+    double p;
+    double df;
+    unsigned otherBits;
+};
+constexpr BitPoint kBitPoints[] = {{0, 4, 0.3085, 9, 23}, {0, 4, 0.3221, 17, 25}, {1, 4, 0.3085, 9, 23},
+                                   {1, 4, 0.3085, 9, 25}, {2, 3, 0.3068, 8, 23},  {2, 3, 0.3272, 20, 25}};
+
 TEST(MCQuantile, IsTheSolversMidpointAtExactly24Bits) {
-    for (const Family& family : kFamilies) {
-        int fewer = 0, more = 0;
-        for (int i = 0; i < 12; ++i) {
-            const std::int32_t k = 3 + i % 4;
-            const double p = 0.3 + 0.055 * i, df = 4 + 6 * i;
-            const double x = family.quantile(p, k, df, kEqualGroups.data(), 0);
-            EXPECT_EQ(x, QuantileTo(24, family, p, k, df)) << k << " " << p << " " << df;
-            fewer += x != QuantileTo(23, family, p, k, df);
-            more += x != QuantileTo(25, family, p, k, df);
-        }
-        EXPECT_GT(fewer, 0) << "no point tells 24 bits from 23";
-        EXPECT_GT(more, 0) << "no point tells 24 bits from 25";
+    for (const BitPoint& point : kBitPoints) {
+        const Family& family = kFamilies[point.family];
+        const double x = family.quantile(point.p, point.k, point.df, kEqualGroups.data(), 0);
+        EXPECT_EQ(x, QuantileTo(24, family, point.p, point.k, point.df)) << point.family << " " << point.p;
+        EXPECT_NE(x, QuantileTo(point.otherBits, family, point.p, point.k, point.df))
+            << point.family << " " << point.p;
     }
 }
 
