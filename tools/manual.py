@@ -131,7 +131,7 @@ def gaps(export, entry):
     for argument in export.arguments:
         if argument.name not in described:
             lacks.append(f"@param {argument.name}")
-        elif argument.type != "LBFGSBDriverState*" and (described[argument.name].direction == "in") == argument.written:
+        elif not argument.written and described[argument.name].direction != "in":
             lacks.append(f"the right direction of {argument.name}")
     lacks += [f"no @param {name}, which is no argument" for name in described
               if name not in {a.name for a in export.arguments}]

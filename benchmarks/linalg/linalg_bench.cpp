@@ -175,7 +175,7 @@ void RegisterBoundary(int m, int n) {
     });
     Time("EigenSymmetric", "direct", m, n, [](Problem& p) { return DirectEigen(p); });
     Time("IsFinite", "alone", m, n,
-         [](Problem& p) { return IsFinite(p.given.data(), p.shape.rows, p.shape.columns, p.shape.rows); });
+         [](Problem& p) { return IsFinite({p.given.data(), p.shape.rows, p.shape.columns, p.shape.rows}); });
     if (m > 200) return;  // the workspace and the square of the rows forbid more
     Time("FullSVD", "export", m, n, [](Problem& p) {
         return FullSVD(p.a.data(), &p.shape, p.s.data(), p.u.data(), &p.large, p.vt.data(), &p.square);

@@ -168,7 +168,7 @@ def main(arguments):
     lines += ["", "## Cost", "",
               "Least microseconds of CPU time of a run of the bounded chained Rosenbrock problem, in one process, one BLAS",
               "thread, from C++; SciPy's is its wall time without that of the evaluations. What the exports cost over the bare",
-              "loop at n = 100000 is the copying of x and g in and out, 1.6 MB each way a step, which belongs to the contract.",
+              "loop at n = 100000 is the copying of x and g in and out, 1.6 MB each way a step, which belongs to the interface.",
               ""]
     lines += costs(arguments[1], cases[0])
     page = ROOT / "docs" / "accuracy" / "optimise.md"

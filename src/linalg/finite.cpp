@@ -1,6 +1,7 @@
 #include "linalg/finite.hpp"
 
-#include <cstddef>
+#include <algorithm>
+#include <cmath>
 
 namespace orvanth {
 namespace {
@@ -22,18 +23,21 @@ bool IsRunFinite(const double* x, std::ptrdiff_t length) noexcept {
 
 }  // namespace
 
-bool IsFinite(const double* a, std::int32_t m, std::int32_t n, std::int32_t lda) noexcept {
-    if (lda < m) return true;
-    for (std::ptrdiff_t j = 0; j < n; ++j)
-        if (!IsRunFinite(a + j * lda, m)) return false;
+bool IsFinite(const MatrixView& a) noexcept {
+    for (std::ptrdiff_t j = 0; j < a.columns; ++j)
+        if (!IsRunFinite(a.Column(j), a.rows)) return false;
     return true;
 }
 
-bool IsLowerTriangleFinite(const double* a, std::int32_t n, std::int32_t lda) noexcept {
-    if (lda < n) return true;
-    for (std::ptrdiff_t j = 0; j < n; ++j)
-        if (!IsRunFinite(a + j * lda + j, n - j)) return false;
-    return true;
+bool HasNaNInLowerTriangle(const MatrixView& a) noexcept {
+    for (std::ptrdiff_t j = 0; j < a.columns; ++j) {
+        const double* const diagonal = &a(j, j);
+        const std::ptrdiff_t length = a.columns - j;
+        // The sum tells finite runs quickly; only a run that is not finite is searched.
+        if (IsRunFinite(diagonal, length)) continue;
+        if (std::any_of(diagonal, diagonal + length, [](double x) { return std::isnan(x); })) return true;
+    }
+    return false;
 }
 
 }  // namespace orvanth

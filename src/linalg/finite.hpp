@@ -1,17 +1,16 @@
-// The pass over a matrix that keeps infinities and NaNs from LAPACK's unbounded iterations.
+// The passes over a matrix that keep infinities and NaNs from iterations of LAPACK that they would never end.
 #ifndef ORVANTH_LINALG_FINITE_HPP
 #define ORVANTH_LINALG_FINITE_HPP
 
-#include <cstdint>
+#include "linalg/matrix_view.hpp"
 
 namespace orvanth {
 
-// Whether every element of an m by n matrix is finite. A leading dimension that LAPACK will reject is not
-// followed through memory: the answer is then true, and LAPACK's is the last word.
-bool IsFinite(const double* a, std::int32_t m, std::int32_t n, std::int32_t lda) noexcept;
+// Whether every element is finite.
+bool IsFinite(const MatrixView& a) noexcept;
 
-// The same for the lower triangle, diagonal included, of a matrix of order n.
-bool IsLowerTriangleFinite(const double* a, std::int32_t n, std::int32_t lda) noexcept;
+// Whether the lower triangle of a square matrix, diagonal included, holds a NaN.
+bool HasNaNInLowerTriangle(const MatrixView& a) noexcept;
 
 }  // namespace orvanth
 

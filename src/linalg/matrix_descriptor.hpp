@@ -1,24 +1,26 @@
-// How a pointer and a descriptor become LAPACK's arguments.
-//
-// LAPACK takes its integers by reference, so the exports pass the addresses of the descriptor's own fields:
-// `rows` as M, `columns` as N or NRHS, `leadingDimension` as LDA. Nothing is copied and nothing is checked
-// here; LAPACK's own argument tests are the library's.
+// How a pointer and a descriptor become a view. Nothing is checked here: the argument tests of LAPACK, and of the
+// routines written in its manner, are the library's.
 #ifndef ORVANTH_LINALG_MATRIX_DESCRIPTOR_HPP
 #define ORVANTH_LINALG_MATRIX_DESCRIPTOR_HPP
 
 #include <cstdint>
 #include <type_traits>
 
+#include "linalg/matrix_view.hpp"
 #include "orvanth/types.h"
 
 namespace orvanth {
 
 static_assert(sizeof(MatrixDescriptor) == 16 && std::is_standard_layout_v<MatrixDescriptor>);
 
-// The first element of the view, for the exports that honour `offset`. The others start at the pointer itself.
-template <class Real>
-Real* First(Real* matrix, const MatrixDescriptor* descriptor) noexcept {
-    return matrix + descriptor->offset;
+// For the exports that ignore `offset`: the view starts at the pointer itself.
+inline MatrixView ViewFromPointer(double* matrix, const MatrixDescriptor* descriptor) noexcept {
+    return {matrix, descriptor->rows, descriptor->columns, descriptor->leadingDimension};
+}
+
+// For the exports that honour `offset`.
+inline MatrixView ViewFromOffset(double* matrix, const MatrixDescriptor* descriptor) noexcept {
+    return ViewFromPointer(matrix + descriptor->offset, descriptor);
 }
 
 // The character arguments of LAPACK.

@@ -8,23 +8,23 @@ using namespace orvanth;
 
 ORVANTH_API(int32_t) QR(double* a, const MatrixDescriptor* descriptor, double* tau) {
     std::int32_t info = 0;
-    LAPACK_dgeqrf(&descriptor->rows, &descriptor->columns, First(a, descriptor), &descriptor->leadingDimension, tau,
-                  LapackWork, &LapackWorkLength, &info);
+    LAPACK_dgeqrf(&descriptor->rows, &descriptor->columns, ViewFromOffset(a, descriptor).first,
+                  &descriptor->leadingDimension, tau, LapackWork, &LapackWorkLength, &info);
     return info;
 }
 
 // `tau` stands before `jpvt`, the reverse of LAPACK's order. `jpvt` goes to LAPACK as the caller filled it.
 ORVANTH_API(int32_t) QRP(double* a, const MatrixDescriptor* descriptor, double* tau, int32_t* jpvt) {
     std::int32_t info = 0;
-    LAPACK_dgeqp3(&descriptor->rows, &descriptor->columns, First(a, descriptor), &descriptor->leadingDimension, jpvt,
-                  tau, LapackWork, &LapackWorkLength, &info);
+    LAPACK_dgeqp3(&descriptor->rows, &descriptor->columns, ViewFromOffset(a, descriptor).first,
+                  &descriptor->leadingDimension, jpvt, tau, LapackWork, &LapackWorkLength, &info);
     return info;
 }
 
 // As many columns of Q as the factored matrix has.
 ORVANTH_API(int32_t) QR_Q(double* a, const MatrixDescriptor* descriptor, const double* tau) {
     std::int32_t info = 0;
-    LAPACK_dorgqr(&descriptor->rows, &descriptor->columns, &descriptor->columns, First(a, descriptor),
+    LAPACK_dorgqr(&descriptor->rows, &descriptor->columns, &descriptor->columns, ViewFromOffset(a, descriptor).first,
                   &descriptor->leadingDimension, tau, LapackWork, &LapackWorkLength, &info);
     return info;
 }
@@ -35,7 +35,8 @@ QR_Qy(double* a, const MatrixDescriptor* aDescriptor, int32_t transpose, const d
       const MatrixDescriptor* cDescriptor) {
     std::int32_t info = 0;
     LAPACK_dormqr("L", Transposition(transpose), &aDescriptor->rows, &cDescriptor->columns, &aDescriptor->columns,
-                  First(a, aDescriptor), &aDescriptor->leadingDimension, tau, First(c, cDescriptor),
-                  &cDescriptor->leadingDimension, LapackWork, &LapackWorkLength, &info);
+                  ViewFromOffset(a, aDescriptor).first, &aDescriptor->leadingDimension, tau,
+                  ViewFromOffset(c, cDescriptor).first, &cDescriptor->leadingDimension, LapackWork, &LapackWorkLength,
+                  &info);
     return info;
 }

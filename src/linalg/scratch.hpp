@@ -5,28 +5,34 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
 
 namespace orvanth {
 
 inline constexpr std::size_t kScratchAlignment = 32;
 
-// The block from the heap begins up to an alignment earlier; its address stands before the scratch. (The
-// heap's own aligned allocation splits blocks and takes longer than a small decomposition can hide.) A failed
-// allocation is not tested: LAPACK gets the null pointer. A size below zero, which only rejected arguments
-// give, counts as zero.
+// The status of a call that finds no memory for its scratch. LAPACK's own numbers end far above it.
+inline constexpr std::int32_t kNoMemory = -1010;
+
+struct ReleaseScratch {
+    void operator()(void* scratch) const noexcept { std::free(static_cast<void**>(scratch)[-1]); }
+};
+
 template <class T>
-T* AllocateScratch(std::int64_t elements) noexcept {
+using Scratch = std::unique_ptr<T[], ReleaseScratch>;
+
+// Null if there is no memory. The block from the heap begins up to an alignment earlier; its address stands
+// before the scratch. The heap's own aligned allocation splits blocks, which takes long enough to show in a small
+// decomposition. A size below zero counts as zero; only rejected arguments give one.
+template <class T>
+Scratch<T> AllocateScratch(std::int64_t elements) noexcept {
     const std::size_t bytes = (elements > 0 ? static_cast<std::size_t>(elements) : 0) * sizeof(T);
     void* const block = std::malloc(bytes + kScratchAlignment);
     if (block == nullptr) return nullptr;
     const auto address = reinterpret_cast<std::uintptr_t>(block);
     auto* const scratch = reinterpret_cast<void**>((address / kScratchAlignment + 1) * kScratchAlignment);
     scratch[-1] = block;
-    return reinterpret_cast<T*>(scratch);
-}
-
-inline void ReleaseScratch(void* scratch) noexcept {
-    if (scratch != nullptr) std::free(static_cast<void**>(scratch)[-1]);
+    return Scratch<T>(reinterpret_cast<T*>(scratch));
 }
 
 }  // namespace orvanth

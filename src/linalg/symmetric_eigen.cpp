@@ -9,30 +9,34 @@ namespace {
 
 using namespace orvanth;
 
-// The answer to a matrix that is not finite; dsyevr itself gives it to a bad leading dimension of the matrix.
-constexpr std::int32_t kMatrixRejected = -6;
+// Argument 5 of dsyevr, A, as rejected.
+constexpr std::int32_t kMatrixRejected = -5;
 
-// The arguments that the query and the real call have in common.
+// What the query and the real call have in common.
 struct Eigenproblem {
-    double* a;
-    const MatrixDescriptor* aDescriptor;
+    MatrixView a;
     double* w;
-    std::int32_t* m;
-    double* z;
-    const MatrixDescriptor* zDescriptor;
+    std::int32_t* found;
+    MatrixView z;
     std::int32_t* support;
 };
 
-std::int32_t CallDsyevr(const char* jobz, const Eigenproblem& p, double* work, const std::int32_t* workLength,
-                        std::int32_t* intWork, const std::int32_t* intWorkLength) {
+// The workspace of one call; a length of -1 makes it a query, which leaves the lengths in the first elements.
+struct Work {
+    double* work;
+    std::int32_t length;
+    std::int32_t* intWork;
+    std::int32_t intLength;
+};
+
+std::int32_t CallDsyevr(const char* jobz, const Eigenproblem& p, const Work& w) {
     // All eigenvalues are wanted, so neither bounds nor indices are read; 0 leaves the tolerance to LAPACK.
     const double bound = 0, tolerance = 0;
     const std::int32_t index = 0;
-    const std::int32_t* const n = &p.aDescriptor->columns;
     std::int32_t info = 0;
-    LAPACK_dsyevr(jobz, "A", "L", n, p.a, &p.aDescriptor->leadingDimension, &bound, &bound, &index, &index,
-                  &tolerance, p.m, p.w, p.z, &p.zDescriptor->leadingDimension, p.support, work, workLength, intWork,
-                  intWorkLength, &info);
+    LAPACK_dsyevr(jobz, "A", "L", &p.a.columns, p.a.first, &p.a.leadingDimension, &bound, &bound, &index, &index,
+                  &tolerance, p.found, p.w, p.z.first, &p.z.leadingDimension, p.support, w.work, &w.length, w.intWork,
+                  &w.intLength, &info);
     return info;
 }
 
@@ -41,30 +45,25 @@ std::int32_t CallDsyevr(const char* jobz, const Eigenproblem& p, double* work, c
 ORVANTH_API(int32_t)
 EigenSymmetric(double* a, const MatrixDescriptor* aDescriptor, double* w, int32_t* m, double* z,
                const MatrixDescriptor* zDescriptor) {
-    const std::int32_t n = aDescriptor->columns;
-    auto* const support = AllocateScratch<std::int32_t>(2 * std::int64_t{n});
-    const Eigenproblem problem{a, aDescriptor, w, m, z, zDescriptor, support};
+    const bool wantsVectors = z != nullptr;
+    auto support = AllocateScratch<std::int32_t>(2 * std::int64_t{aDescriptor->columns});
+    const Eigenproblem problem{ViewFromPointer(a, aDescriptor), w, m, ViewFromPointer(z, zDescriptor), support.get()};
 
     // The query asks for vectors whether or not `z` is null, so it always checks the leading dimension of `z`.
-    const std::int32_t query = -1;
     double optimalLength = 0;
     std::int32_t optimalIntLength = 0;
-    const std::int32_t queryInfo = CallDsyevr("V", problem, &optimalLength, &query, &optimalIntLength, &query);
-    if (queryInfo != 0) return queryInfo;  // `support` is left standing: this exit has no clean-up
-
-    // dsyevr does not return from a NaN or an infinity.
-    if (!IsLowerTriangleFinite(a, n, aDescriptor->leadingDimension)) {
-        ReleaseScratch(support);
-        return kMatrixRejected;
+    const std::int32_t queryInfo = CallDsyevr("V", problem, {&optimalLength, -1, &optimalIntLength, -1});
+    if (queryInfo != 0) {
+        support.release();  // deliberate: this exit leaves the block allocated
+        return queryInfo;
     }
 
+    // With vectors, dsyevr may not return from a NaN once its order is 3. Everything else comes back by itself.
+    if (wantsVectors && problem.a.columns >= 3 && HasNaNInLowerTriangle(problem.a)) return kMatrixRejected;
+
     const auto workLength = static_cast<std::int32_t>(optimalLength);
-    double* const work = AllocateScratch<double>(workLength);
-    auto* const intWork = AllocateScratch<std::int32_t>(optimalIntLength);
-    const std::int32_t info =
-        CallDsyevr(z != nullptr ? "V" : "N", problem, work, &workLength, intWork, &optimalIntLength);
-    ReleaseScratch(work);
-    ReleaseScratch(intWork);
-    ReleaseScratch(support);
-    return info;
+    const auto intWork = AllocateScratch<std::int32_t>(optimalIntLength);
+    const auto work = AllocateScratch<double>(workLength);
+    if (!support || !work || !intWork) return kNoMemory;
+    return CallDsyevr(wantsVectors ? "V" : "N", problem, {work.get(), workLength, intWork.get(), optimalIntLength});
 }
