@@ -145,7 +145,7 @@ def main():
                     print(statistic, k, side, mp.nstr(V, 4), mp.nstr(abs(found / exact[side] - 1), 3), file=sys.stderr)
     print(f"# Written by tools/make_refined_reference.py > tests/data/accuracy/refined_multiple_comparison.tsv")
     print(f"# 36-digit integration with mpmath {__import__('mpmath').__version__}, seed {SEED}, coefficients 1 / sqrt 2.")
-    print("# statistic, k, df, side, x, P(X <= x), P(X > x)", flush=True)
+    print("# statistic, k, df, coefficients, side, x, P(X <= x), P(X > x)", flush=True)
     for df in FREEDOM:
         coarse = [(mpf(1), mpf(1))] if df == float("inf") else scale_points(df, mpf(1) / 5)
         fine = coarse if df == float("inf") else scale_points(df, mpf(1) / 24)
@@ -155,7 +155,7 @@ def main():
             lower, upper = (probability(table, statistic, k, x, fine, side) for side in (0, 1))
             if abs(lower + upper - 1) > mpf(10) ** -15:
                 print("sum", statistic, k, df, x, mp.nstr(lower + upper - 1, 3), file=sys.stderr)
-            print(statistic, k, repr(df), name, x.hex(), mp.nstr(lower, 22), mp.nstr(upper, 22), sep="\t", flush=True)
+            print(statistic, k, repr(df), "equal", name, x.hex(), mp.nstr(lower, 22), mp.nstr(upper, 22), sep="\t", flush=True)
 
 
 main()

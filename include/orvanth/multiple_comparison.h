@@ -9,23 +9,24 @@
  * Distributions of three multiple-comparison statistics: all pairs (MCa, Tukey), comparisons with the
  * best (MCb, Hsu), comparisons with a control (MCc, Dunnett).
  *
- * With group means m_i of n_i observations and the pooled standard deviation s on df degrees of freedom:
+ * With group means m_i of n_i observations and the pooled standard deviation s on df degrees of
+ * freedom:
  *
- * - MCa, k groups: x = max |m_i - m_j| / (s sqrt(1/n_i + 1/n_j)) over all pairs, which is the studentised
- *   range divided by sqrt 2. lambda_0 = 1/sqrt 2. For groups of unequal size the same value gives the
+ * - MCa, k groups: x = max |m_i - m_j| / (s sqrt(1/n_i + 1/n_j)) over all pairs, which is the
+ *   studentised range divided by sqrt 2. lambda_0 = 1/sqrt 2. For groups of unequal size the same value gives the
  *   conservative Tukey-Kramer answer.
  * - MCb and MCc, k groups, the last of them the one compared with: x is the largest of the k - 1
  *   statistics (m_i - m_k) / (s sqrt(1/n_i + 1/n_k)), for MCc of their absolute values.
  *   lambda_i = sqrt(n_i / (n_i + n_k)) for i = 0 to k - 2; with groups of equal size all are 1/sqrt 2.
  *   The statistics i and j have the correlation lambda_i lambda_j.
  *
- * lambda points to k elements, and all k are read. MCa uses the first and MCb and MCc use the first k - 1
- * for the result; the others may have any value.
+ * lambda points to k elements, and all k are read. For the result MCa uses the first, MCb and MCc use
+ * the first k - 1; the others may have any value.
  *
  * The exports use fixed rules, which bounds their accuracy. Largest errors of a probability:
  *
- * - 5e-8 of the distribution of the scale is left out at each end, for df below 1000. Probabilities are
- *   up to 1e-7 too small, and none exceeds 0.9999999.
+ * - 5e-8 of the distribution of the scale is left out at each end, for df below 1000. Probabilities
+ *   are up to 1e-7 too small, and none exceeds 0.9999999.
  * - The latent variable has a rule of 48 points. Its error depends on k (at the usual levels of 0.9 to
  *   0.99 it is about a tenth of this):
  *

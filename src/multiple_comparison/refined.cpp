@@ -3,36 +3,41 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 #include <boost/math/distributions/students_t.hpp>
 #include <boost/math/special_functions/erf.hpp>
 #include <boost/math/tools/toms748_solve.hpp>
 
-#include "frame/policies.hpp"
+#include "multiple_comparison/refined_policy.hpp"
 #include "multiple_comparison/refined_scale.hpp"
 
 namespace orvanth {
 
 namespace {
 
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
 // k (k - 1) is a 32-bit integer up to here.
 constexpr std::int32_t kMostGroups = 46341;
 
-bool IsValid(std::int32_t k, double df, std::span<const double> coefficients) {
-    return k >= 1 && k <= kMostGroups && df > 0 &&
-           std::all_of(coefficients.begin(), coefficients.end(), [](double l) { return std::fabs(l) < 1; });
+// How many coefficients count: all but the last, or the first alone.
+std::size_t Used(ComparisonKind kind, std::int32_t k) {
+    return kind == ComparisonKind::kAllPairs ? 1 : static_cast<std::size_t>(k) - 1;
 }
 
-// The coefficients that count: all but the last, or the first alone.
-std::span<const double> Used(ComparisonKind kind, std::int32_t k, std::span<const double> lambda) {
-    const std::size_t count = kind == ComparisonKind::kAllPairs ? 1 : static_cast<std::size_t>(std::max(k, 1)) - 1;
-    return lambda.first(std::min(count, lambda.size()));
+bool IsValid(ComparisonKind kind, std::int32_t k, double df, std::span<const double> lambda) {
+    if (k < 1 || k > kMostGroups || !(df > 0) || lambda.size() < Used(kind, k)) return false;
+    const std::span<const double> used = lambda.first(Used(kind, k));
+    return std::all_of(used.begin(), used.end(), [](double l) { return std::fabs(l) < 1; });
 }
 
 // Equal coefficients share a run wherever they stand, as the order of a product does not matter here.
 // The sign of a coefficient does not matter to a two-sided comparison.
-ComparisonStatistic MakeStatistic(ComparisonKind kind, std::int32_t k, std::span<const double> coefficients) {
-    std::vector<double> sorted(coefficients.begin(), coefficients.end());
+ComparisonStatistic MakeStatistic(ComparisonKind kind, std::int32_t k, std::span<const double> lambdas) {
+    const std::span<const double> used = lambdas.first(Used(kind, k));
+    std::vector<double> sorted(used.begin(), used.end());
     if (kind == ComparisonKind::kTwoSided)
         for (double& lambda : sorted) lambda = std::fabs(lambda);
     std::sort(sorted.begin(), sorted.end());
@@ -59,16 +64,15 @@ double Probability(const ComparisonStatistic& statistic, double x, double df, bo
 }
 
 double CDF(ComparisonKind kind, double x, std::int32_t k, double df, std::span<const double> lambda, bool upper) {
-    const std::span<const double> used = Used(kind, k, lambda);
-    if (std::isnan(x) || !IsValid(k, df, used)) return kNaN;
-    return Probability(MakeStatistic(kind, k, used), x, df, upper);
+    if (std::isnan(x) || !IsValid(kind, k, df, lambda)) return kNaN;
+    return Probability(MakeStatistic(kind, k, lambda), x, df, upper);
 }
 
 // The x with upper tail q of a single comparison.
 double SingleUpperPoint(double df, double q) {
     if (df >= kKnownScaleDf)
-        return boost::math::constants::root_two<double>() * boost::math::erfc_inv(2 * q, DefaultPolicy());
-    return -boost::math::quantile(boost::math::students_t_distribution<double, DefaultPolicy>(df), q);
+        return boost::math::constants::root_two<double>() * boost::math::erfc_inv(2 * q, RefinedPolicy());
+    return -boost::math::quantile(boost::math::students_t_distribution<double, RefinedPolicy>(df), q);
 }
 
 // The x with P(|T| <= x) = p of a single comparison, for a small p by the density at 0.
@@ -76,7 +80,7 @@ double SingleAbsolutePoint(double df, double p) {
     if (p > 1e-4) return SingleUpperPoint(df, 0.5 - p / 2);
     const double density =
         df >= kKnownScaleDf ? boost::math::constants::one_div_root_two_pi<double>()
-                            : boost::math::pdf(boost::math::students_t_distribution<double, DefaultPolicy>(df), 0.0);
+                            : boost::math::pdf(boost::math::students_t_distribution<double, RefinedPolicy>(df), 0.0);
     return p / (2 * density);
 }
 
@@ -99,9 +103,8 @@ Bracket QuantileBracket(const ComparisonStatistic& statistic, double p, double d
 }
 
 double ICDF(ComparisonKind kind, double p, std::int32_t k, double df, std::span<const double> lambda, bool upper) {
-    const std::span<const double> used = Used(kind, k, lambda);
-    if (!(p > 0 && p < 1) || k < 2 || !IsValid(k, df, used)) return kNaN;
-    const ComparisonStatistic statistic = MakeStatistic(kind, k, used);
+    if (!(p > 0 && p < 1) || k < 2 || !IsValid(kind, k, df, lambda)) return kNaN;
+    const ComparisonStatistic statistic = MakeStatistic(kind, k, lambda);
     // The smaller tail has the accurate logarithm. 1 - p is exact for p >= 1/2.
     if (p > 0.5) {
         p = 1.0 - p;
@@ -128,7 +131,7 @@ double ICDF(ComparisonKind kind, double p, std::int32_t k, double df, std::span<
     std::uintmax_t evaluations = 100;
     const auto closeEnough = [](double a, double b) { return std::fabs(b - a) <= 2e-10 * (1e-3 + std::fabs(a)); };
     const auto [a, b] = boost::math::tools::toms748_solve(function, low, high, atLow, atHigh, closeEnough,
-                                                          evaluations, DefaultPolicy());
+                                                          evaluations, RefinedPolicy());
     return toX((a + b) / 2);
 }
 

@@ -6,7 +6,7 @@
 #include <boost/math/constants/constants.hpp>
 #include <boost/math/special_functions/erf.hpp>
 
-#include "frame/policies.hpp"
+#include "multiple_comparison/refined_policy.hpp"
 #include "multiple_comparison/trapezoid.hpp"
 #include "special/erf_real.hpp"
 
@@ -132,7 +132,7 @@ bool HaveOneSign(const ComparisonStatistic& statistic) {
 }  // namespace
 
 double UpperNormal(double z) {
-    return boost::math::erfc(ErfReal(z * one_div_root_two<double>()), DefaultPolicy()).value / 2;
+    return boost::math::erfc(ErfReal(z * one_div_root_two<double>()), RefinedPolicy()).value / 2;
 }
 
 double ConditionalProbability(const ComparisonStatistic& statistic, double v, bool upper, LatentStart& start) {

@@ -6,7 +6,7 @@
 #include <boost/math/constants/constants.hpp>
 #include <boost/math/special_functions/gamma.hpp>
 
-#include "frame/policies.hpp"
+#include "multiple_comparison/refined_policy.hpp"
 #include "multiple_comparison/trapezoid.hpp"
 
 namespace orvanth {
@@ -19,7 +19,7 @@ constexpr double kHeavyTailDf = 8.0;
 // log of 2 (df/2)^(df/2) exp(-df/2) / Gamma(df/2), by Stirling's series from df = 30 on.
 double LogDensityAtOne(double df) {
     const double a = df / 2;
-    if (df < 30) return std::log(2.0) + a * std::log(a) - a - boost::math::lgamma(a, DefaultPolicy());
+    if (df < 30) return std::log(2.0) + a * std::log(a) - a - boost::math::lgamma(a, RefinedPolicy());
     const double r = 1 / (a * a);
     return std::log(2.0) + 0.5 * std::log(a * boost::math::constants::one_div_two_pi<double>()) -
            (1.0 / 12 - r * (1.0 / 360 - r * (1.0 / 1260 - r / 1680))) / a;
