@@ -41,14 +41,29 @@ ComparisonStatistic MakeStatistic(ComparisonKind kind, std::int32_t k, std::span
     if (kind == ComparisonKind::kTwoSided)
         for (double& lambda : sorted) lambda = std::fabs(lambda);
     std::sort(sorted.begin(), sorted.end());
-    ComparisonStatistic statistic{kind, k, {}};
+    ComparisonStatistic statistic{kind, k, {}, 0.0};
     for (double lambda : sorted) {
         if (statistic.runs.empty() || statistic.runs.back().lambda != lambda)
             statistic.runs.push_back({lambda, 1.0 / std::sqrt(1.0 - lambda * lambda), 0});
         ++statistic.runs.back().count;
+        statistic.steepest = std::max(statistic.steepest, statistic.runs.back().c * std::fabs(lambda));
     }
     if (kind == ComparisonKind::kAllPairs) statistic.runs.front().count = k - 1;
     return statistic;
+}
+
+// How many comparisons the statistic is the largest of.
+double Comparisons(const ComparisonStatistic& statistic) {
+    const double k = statistic.k;
+    return statistic.kind == ComparisonKind::kAllPairs ? k * (k - 1) / 2 : k - 1;
+}
+
+// P(T > x) of a single comparison, P(|T| > x) of a two-sided one.
+double SingleUpperTail(const ComparisonStatistic& statistic, double x, double df) {
+    const double tail = df >= kKnownScaleDf
+                            ? UpperNormal(x)
+                            : boost::math::cdf(boost::math::students_t_distribution<double, RefinedPolicy>(df), -x);
+    return statistic.kind == ComparisonKind::kOneSided ? tail : 2 * tail;
 }
 
 double Probability(const ComparisonStatistic& statistic, double x, double df, bool upper) {
@@ -56,10 +71,13 @@ double Probability(const ComparisonStatistic& statistic, double x, double df, bo
     if (statistic.k == 1 || x == kInfinity) return upper ? 0.0 : 1.0;
     if (x == -kInfinity || (nonNegative && x <= 0)) return upper ? 1.0 : 0.0;
     // Only with lambda = 1 / sqrt 2 are all pairs a distribution; otherwise the value at infinity is not 1.
-    if (statistic.kind == ComparisonKind::kAllPairs && upper) {
-        const ComparisonRun& run = statistic.runs.front();
-        if (std::fabs(run.c * run.lambda - 1.0) > 1e-12) return 1.0 - StudentisedProbability(statistic, x, df, false);
+    if (statistic.kind == ComparisonKind::kAllPairs && std::fabs(statistic.steepest - 1.0) > 1e-12) {
+        const double lower = StudentisedProbability(statistic, x, df, false);
+        return upper ? 1.0 - lower : lower;
     }
+    // Where the upper tail is small its complement has the smaller error.
+    if (!upper && Comparisons(statistic) * SingleUpperTail(statistic, x, df) < 0.1)
+        return 1.0 - StudentisedProbability(statistic, x, df, true);
     return StudentisedProbability(statistic, x, df, upper);
 }
 
@@ -92,12 +110,11 @@ struct Bracket {
 // From below a single comparison; from above Bonferroni's inequality, or for a small lower tail of
 // absolute values Sidak's (J. Amer. Statist. Assoc. 62 (1967) 626).
 Bracket QuantileBracket(const ComparisonStatistic& statistic, double p, double df, bool upper) {
-    const double k = statistic.k;
+    const double comparisons = Comparisons(statistic);
     if (statistic.kind == ComparisonKind::kOneSided) {
-        if (upper) return {SingleUpperPoint(df, p), SingleUpperPoint(df, p / (k - 1))};
-        return {-SingleUpperPoint(df, p), SingleUpperPoint(df, (1.0 - p) / (k - 1))};
+        if (upper) return {SingleUpperPoint(df, p), SingleUpperPoint(df, p / comparisons)};
+        return {-SingleUpperPoint(df, p), SingleUpperPoint(df, (1.0 - p) / comparisons)};
     }
-    const double comparisons = statistic.kind == ComparisonKind::kAllPairs ? k * (k - 1) / 2 : k - 1;
     if (upper) return {SingleUpperPoint(df, p / 2), SingleUpperPoint(df, p / (2 * comparisons))};
     return {SingleAbsolutePoint(df, p), SingleAbsolutePoint(df, std::pow(p, 1 / comparisons))};
 }

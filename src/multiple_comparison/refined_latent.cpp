@@ -152,12 +152,14 @@ double ConditionalProbability(const ComparisonStatistic& statistic, double v, bo
         if (oneHump && !start.known) start.mode = CoarseMode(integrand);
         range = {oneHump ? start.mode : 0.0, -end, end, kFloor, false, oneHump};
     }
-    const TrapezoidResult result = Trapezoid(integrand, range, start.step);
+    // At 0.9 of the width of the steepest normal factor the rule resolves it to exp(-24).
+    const double largestStep = std::min(0.6, 0.9 / std::max(statistic.steepest, 1e-3));
+    const TrapezoidResult result = Trapezoid(integrand, range, std::min(start.step, largestStep));
     // For an integrand like exp(-y^2 / 2) the logarithm of the difference goes with 1 / step^2. The
     // next step aims a little below the accepted difference.
-    constexpr double aim = -13.3;
+    constexpr double aim = -15.5;
     const double reached = std::log(std::max(result.difference, 1e-30));
-    start = {std::min(0.6, result.step * std::clamp(std::sqrt(reached / aim), 0.7, 1.2)), mode, largest > 0.0};
+    start = {result.step * std::clamp(std::sqrt(reached / aim), 0.7, 1.2), mode, largest > 0.0};
     return result.value;
 }
 

@@ -26,6 +26,7 @@ struct ComparisonStatistic {
     ComparisonKind kind;
     std::int32_t k;
     std::vector<ComparisonRun> runs;  // all pairs: one run, with k - 1 comparisons
+    double steepest;                  // the largest c |lambda|: the factors change within 1 / steepest
 };
 
 // The steps and places found at one scale, from which the next scale starts.

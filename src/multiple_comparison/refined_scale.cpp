@@ -94,13 +94,13 @@ double StudentisedProbability(const ComparisonStatistic& statistic, double x, do
 
     constexpr double reach = 740.0;  // exp(-reach) is negligible against every double
     if (df >= kHeavyTailDf)
-        return Trapezoid(integrand, {centre, -reach, reach, 1e-300, false, true}, 0.37 / std::sqrt(df + 5)).value;
+        return Trapezoid(integrand, {centre, -reach, reach, 1e-300, false, true}, 0.33 / std::sqrt(df + 5)).value;
     // t = centre + w - (exp(-w) - 1) / 2 makes the left tail fall off doubly exponentially.
     const auto compressed = [&](double w) {
         const double e = 0.5 * std::exp(-w);
         return (1.0 + e) * integrand(centre + w - e + 0.5);
     };
-    return Trapezoid(compressed, {0.0, -20.0, 20.0, 1e-300, false, true}, 0.28 / std::sqrt(df + 5)).value;
+    return Trapezoid(compressed, {0.0, -20.0, 20.0, 1e-300, false, true}, 0.26 / std::sqrt(df + 5)).value;
 }
 
 }  // namespace orvanth

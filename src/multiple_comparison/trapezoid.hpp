@@ -17,8 +17,9 @@ struct TrapezoidResult {
     double difference;  // relative difference of the sums over the even and the odd points
 };
 
-// Accepted difference of the two halves; its square is the error.
-inline constexpr double kHalvesAgree = 8e-6;
+// Accepted difference of the two halves. Its square is the error of one hump of one width; the limit
+// leaves room for humps with a narrow part.
+inline constexpr double kHalvesAgree = 6e-7;
 // A term below this part of the sum ends the sum on its side.
 inline constexpr double kNegligibleTerm = 1e-13;
 inline constexpr int kMostHalvings = 7;
