@@ -1,5 +1,6 @@
 #include "frame/policies.hpp"
 
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -74,6 +75,8 @@ double RaiseEvaluation(const char* function, const char* message, double reached
 void RaiseRounding(const char* function, const char* message, double value, const char* type) {
     Throw<boost::math::rounding_error>(Text(function, message, value, type));
 }
+
+void RaiseOutOfMemory() { throw std::bad_alloc(); }
 
 const char* TypeNamedBy(const char* function, const char* message) {
     const std::string_view where = function ? function : "";
