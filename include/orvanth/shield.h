@@ -276,7 +276,7 @@ ORVANTH_SHIELD_API(void) EachHypergeometricICDF(char* const* pointers, const int
 ORVANTH_SHIELD_API(double) SafeKolmogorovCDF(double x, double n, int32_t complement);
 ORVANTH_SHIELD_API(void) EachKolmogorovCDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                            EachReport* report);
-/** Quantile of the Kolmogorov statistic D_n. */
+/** Quantile of the Kolmogorov statistic D_n for a finite sample. */
 ORVANTH_SHIELD_API(double) SafeKolmogorovICDF(double p, double n, int32_t complement);
 ORVANTH_SHIELD_API(void) EachKolmogorovICDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                             EachReport* report);
@@ -361,9 +361,9 @@ ORVANTH_SHIELD_API(double) SafeXb(const double* x, const MatrixDescriptor* descr
                                   const double* y);
 
 /* random */
-/** Makes a stream of random words. */
+/** Makes a stream of random words from a seed. */
 ORVANTH_SHIELD_API(RandomStreamHandle) SafeCreateRandomStream(int32_t seed);
-/** Releases a stream. The host drops its own copy of the handle. */
+/** Releases a stream. */
 ORVANTH_SHIELD_API(int32_t) SafeDeleteRandomStream(RandomStreamHandle stream);
 /** Fills an array with normal variates. */
 ORVANTH_SHIELD_API(int32_t) SafeRandomNormalVariable(double* values, int32_t count, double mean, double sigma,
@@ -375,7 +375,7 @@ ORVANTH_SHIELD_API(int32_t) SafeRandomNormalVariables(double* values, int32_t ro
 ORVANTH_SHIELD_API(int32_t) SafeRandomUniformInteger(RandomStreamHandle stream, int32_t* values, int32_t count);
 
 /* optimise */
-/** Makes the state of one minimisation; nothing is validated before the first step. */
+/** Makes the state of one minimisation. */
 ORVANTH_SHIELD_API(LBFGSBDriverState*) SafeLBFGSBStart(int32_t n, int32_t m, const double* l, const double* u,
                                                        const int32_t* nbd, double factr, double pgtol);
 /** Advances a minimisation to the next point where the caller has something to do. */

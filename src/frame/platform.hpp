@@ -18,6 +18,15 @@
 #define ORVANTH_VECTOR_CLONES
 #endif
 
+// A kernel of fused multiply-adds compiled twice: by the processor's own instruction, and by std::fma of the
+// mathematical library where the processor has none. Both round once, so the bits agree. clang compiles it once.
+#if defined(__ELF__) && defined(__x86_64__) && !defined(__clang__) && !defined(__SANITIZE_ADDRESS__) && \
+    !defined(__SANITIZE_THREAD__)
+#define ORVANTH_FUSED_CLONES __attribute__((target_clones("fma", "default")))
+#else
+#define ORVANTH_FUSED_CLONES
+#endif
+
 // For the few kernels that use vectors of eight doubles by name. They are compiled for AVX-512 whatever the target of
 // the build is, and are called only where HasWideVectors() is true.
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__)

@@ -1668,7 +1668,7 @@ def kolmogorov_cdf(x, n, complement, *, out=None, where=True):
     Parameters
     ----------
     x : float
-        the statistic; below 0 the answer is 0 (upper tail 1) for any n
+        the statistic, any double
     n : float
         sample size from 1 to 2^31 - 1, truncated toward zero: 10.9 means 10
     complement : int
@@ -1677,16 +1677,36 @@ def kolmogorov_cdf(x, n, complement, *, out=None, where=True):
     Returns
     -------
     result : float
-        the probability; exactly 0 up to x = 0.5/n and exactly 1 from x = 1 on, or from n x^2 = 18 on
-        (the upper tail reaches 0 at n x^2 = 370). Where n > 140 the value is not clamped to [0, 1].
+        the probability. It is not clamped to [0, 1] where it comes from the series.
+
+    Formula
+    -------
+    P(D_n <= x), or P(D_n > x) if complement is set, where D_n = sup over t of |F_n(t) - F(t)|. With
+    w = n x^2 the method is, for n <= 140: a matrix power for w < 0.754693, a recursion for w < 4, twice
+    the one-sided tail above. For n > 140: a matrix power for n^2 x^3 <= 2 and n <= 100000, otherwise an
+    asymptotic series; P(D_n > x) is twice the one-sided tail from w = 2.2 on.
+
+    Edges
+    -----
+    x < 0: 0 (complement: 1), for any n. x <= 0.5/n: 0 (1). x >= 1: 1 (0). P(D_n <= x) is 1 from
+    n x^2 = 18 on; P(D_n > x) is 1 up to n x^2 = 0.0274 and 0 from n x^2 = 370 on.
+    x a NaN: NaN. n < 0 after truncation, n >= 2^31, or n a NaN: NaN for x >= 0.
+    n truncated to 0: 0 (1) for x < 1 and 1 (0) for x >= 1.
 
     Failure of the plain export
     ---------------------------
-    None is reported and errno stays as it was. An x that is a NaN, or an n that truncates to no 32-bit
-    integer of at least 0, gives NaN. An n that truncates to 0 gives 0 below x = 1 and 1 from there on.
-    A call takes microseconds, but milliseconds in two places: the upper tail for n from 141 to 200000 and
-    n x^2 >= 2.2 sums up to n terms, and the lower tail for n up to 100000 with n^2 x^3 <= 2 raises a matrix
-    of 2 n x columns to the power n.
+    Nothing is reported, and errno stays as it was. Where there is no memory for the working arrays (a
+    few kB; 330 kB at most) std::bad_alloc is thrown.
+
+    References
+    ----------
+    J. Durbin, Distribution Theory for Tests Based on the Sample Distribution Function, SIAM, 1973.
+    J. Pomeranz, Exact cumulative distribution of the Kolmogorov-Smirnov statistic for small samples,
+    Communications of the ACM 17, 1974.
+    W. Pelz, I. J. Good, Approximating the lower tail-areas of the Kolmogorov-Smirnov one-sample
+    statistic, Journal of the Royal Statistical Society B 38, 1976.
+    Z. W. Birnbaum, F. H. Tingey, One-sided confidence contours for probability distribution functions,
+    Annals of Mathematical Statistics 22, 1951.
 
     Notes
     -----
@@ -1696,35 +1716,59 @@ def kolmogorov_cdf(x, n, complement, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import kolmogorov_cdf
-    >>> print(f"{kolmogorov_cdf(x=0.5000001, n=1.0, complement=0):.6g}")
-    2e-07
+    >>> print(f"{kolmogorov_cdf(x=0.2, n=10, complement=0):.6g}")
+    0.251281
+    >>> print(f"{kolmogorov_cdf(x=0.21, n=100, complement=1):.6g}")
+    0.000239473
+    >>> print(f"{kolmogorov_cdf(x=0.05, n=1000, complement=1):.6g}")
+    0.0130121
+    >>> print(f"{kolmogorov_cdf(x=-0.5, n=10, complement=1):.6g}")
+    1
     """
     return _ufuncs.KolmogorovCDF(x, n, complement, out=out, where=where)
 
 
 def kolmogorov_icdf(p, n, complement, *, out=None, where=True):
-    """Quantile of the Kolmogorov statistic D_n.
+    """Quantile of the Kolmogorov statistic D_n for a finite sample.
 
     Parameters
     ----------
     p : float
         probability in [0, 1]
     n : float
-        sample size from 1 to 2^31 - 1; the search starts at 1.36/sqrt(n), the evaluations truncate n
+        sample size from 1 to 2^31 - 1. The start of the search uses n as it is, the evaluations truncate it
     complement : int
         zero: P(D_n <= x) = p; any other value: P(D_n > x) = p. The whole word counts
 
     Returns
     -------
     result : float
-        x within a relative 2^-23. At p = 0 and p = 1 the first point of the search, which doubles or
-        halves from its start, where the probability is exactly 0 or 1.
+        x.
+
+    Formula
+    -------
+    The x with P(D_n <= x) = p, or with P(D_n > x) = p if complement is set. The search starts at
+    1.36 / sqrt(n), doubles or halves until the probability passes p, and then narrows the bracket; it
+    evaluates KolmogorovCDF at most 100 times.
+
+    Edges
+    -----
+    p = 0 and p = 1: the first point of the search where the probability is exactly 0 or 1, that is the
+    start times a power of 2. It is neither the smallest nor the largest such point.
+    n between 0 and 1, which no sample has: the search for the jump of KolmogorovCDF at x = 1.
 
     Failure of the plain export
     ---------------------------
-    Throws boost::math::evaluation_error, "Unable to bracket root, last nearest value was ...", for p outside
-    [0, 1] or a NaN, and for an n that no sample can have (below 0, 0, a NaN, 2^31 and more). An n between
-    0 and 1 gives 1, where the probability jumps. errno stays as it was.
+    Throws boost::math::evaluation_error, "Error in function
+    boost::math::tools::bracket_and_solve_root<double>: Unable to bracket root, last nearest value was
+    ...", for p outside [0, 1] or a NaN, and for n that is 0, negative, a NaN, or 2^31 and more. The
+    value told is the last point that a search of 100 evaluations reaches, 2^299 or 2^-299 times its
+    start. Throws std::bad_alloc as KolmogorovCDF does. errno stays as it was.
+
+    References
+    ----------
+    G. E. Alefeld, F. A. Potra, Yixun Shi, Algorithm 748: enclosing zeros of continuous functions, ACM
+    Transactions on Mathematical Software 21, 1995.
 
     Notes
     -----
@@ -1734,8 +1778,14 @@ def kolmogorov_icdf(p, n, complement, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import kolmogorov_icdf
-    >>> print(f"{kolmogorov_icdf(p=0.95, n=100.0, complement=0):.6g}")
+    >>> print(f"{kolmogorov_icdf(p=0.95, n=100, complement=0):.6g}")
     0.134028
+    >>> print(f"{kolmogorov_icdf(p=0.05, n=100, complement=1):.6g}")
+    0.134028
+    >>> print(f"{kolmogorov_icdf(p=0, n=25, complement=0):.6g}")
+    0.0170000
+    >>> print(f"{kolmogorov_icdf(p=1, n=25, complement=0):.6g}")
+    1.08800
     """
     return _ufuncs.KolmogorovICDF(p, n, complement, out=out, where=where)
 
@@ -1991,24 +2041,45 @@ def fnc_hypergeometric_cdf(x, n, m, N, odds, *, accuracy, upper=False, out=None,
     m : int
         marked items, 0 to N
     N : int
-        population size
+        population size, 0 to 2^31 - 1
     odds : float
-        odds ratio, greater than 0
+        odds ratio, greater than 0, at most 1e150
     upper : bool
-        clear: P(X <= x); set: P(X > x). Stands before the accuracy
+        clear: P(X <= x); set: P(X > x). Only the low byte counts. Stands before accuracy
     accuracy : float
-        what the table may leave out, for instance 1e-8; 0 or a NaN: nothing
+        what the table may leave out, for instance 1e-8. At 0 or a NaN nothing is left out of a support of up to 200 points; a longer one is covered to 8 standard deviations
 
     Returns
     -------
     result : float
-        the probability. Below the table exactly 0 (upper tail 1), from its end on exactly 1 (upper tail 0).
-        The tail that does not contain the mean is summed by itself.
+        the probability; not clamped to [0, 1].
+
+    Formula
+    -------
+    P(X <= x), or P(X > x) if tail is set. A table of relative probabilities is built outward from the
+    mode, each entry from its neighbour:
+    P(x + 1) / P(x) = (m - x) (n - x) odds / ((x + 1) (x + 1 + N - m - n)).
+    The tail that does not contain the mean is summed by itself.
+
+    Edges
+    -----
+    x below the table: exactly 0 (upper tail 1). x above the table: exactly 1 (upper tail 0), and at its
+    last entry too, unless the rounded mean is that entry: then 1 within rounding. Only one value
+    possible: 0 below it and 1 from it on. odds = 0 with n <= N - m: that value is 0.
 
     Failure of the plain export
     ---------------------------
-    In band: -4.4462302923349974e+196, a finite number, where the mean lies outside the table or no
-    distribution exists (odds <= 0 with n > N - m, inconsistent counts). errno stays as it was.
+    Without errno or exception: -4.4462302923349974e+196, a finite number, where the rounded mean lies
+    outside the table or no distribution exists (odds <= 0 with n > N - m, counts that leave no value).
+    Where there is no memory for the table, std::bad_alloc is thrown.
+
+    References
+    ----------
+    R. A. Fisher, The logic of inductive inference, Journal of the Royal Statistical Society 98, 1935.
+    J. Cornfield, A statistical problem arising from retrospective studies, Proceedings of the Third
+    Berkeley Symposium on Mathematical Statistics and Probability 4, 1956 (the approximate mean).
+    B. Levin, Simple improvements on Cornfield's approximation to the mean of a noncentral
+    hypergeometric random variable, Biometrika 71, 1984 (the approximate variance).
 
     Notes
     -----
@@ -2018,8 +2089,14 @@ def fnc_hypergeometric_cdf(x, n, m, N, odds, *, accuracy, upper=False, out=None,
     Examples
     --------
     >>> from orvanth import fnc_hypergeometric_cdf
-    >>> print(f"{fnc_hypergeometric_cdf(x=4, n=17, m=28, N=41, odds=1.46, upper=False, accuracy=1e-12):.6g}")
-    6.4851e-09
+    >>> print(f"{fnc_hypergeometric_cdf(x=12, n=17, m=28, N=41, odds=1.46, upper=False, accuracy=1e-12):.6g}")
+    0.512377
+    >>> print(f"{fnc_hypergeometric_cdf(x=12, n=17, m=28, N=41, odds=1.46, upper=True, accuracy=1e-12):.6g}")
+    0.487623
+    >>> print(f"{fnc_hypergeometric_cdf(x=3, n=17, m=28, N=41, odds=1.46, upper=False, accuracy=1e-12):.6g}")
+    0
+    >>> print(f"{fnc_hypergeometric_cdf(x=0, n=15, m=6, N=20, odds=-1, upper=False, accuracy=1e-8):.6g}")
+    -4.44623e+196
     """
     return _ufuncs.FNCHypergeometricCDF(x, n, m, N, odds, upper, accuracy, out=out, where=where)
 
@@ -2036,23 +2113,37 @@ def fnc_hypergeometric_icdf(p, n, m, N, odds, *, accuracy, upper=False, out=None
     m : int
         marked items, 0 to N
     N : int
-        population size
+        population size, 0 to 2^31 - 1
     odds : float
-        odds ratio, greater than 0
+        odds ratio, greater than 0, at most 1e150
     upper : bool
-        clear: of p in the lower tail; set: of 1 - p. Stands before the accuracy
+        clear: p is the lower tail; set: p is the upper tail. Only the low byte counts. Stands before accuracy
     accuracy : float
-        what the table may leave out, for instance 1e-8
+        what the table may leave out, as for FNCHypergeometricCDF
 
     Returns
     -------
     result : float
-        the first x whose cumulative probability is not below p, a whole number; the first entry of the table
-        for p <= 0, the last for p > 1 and for a NaN.
+        x, a whole number.
+
+    Formula
+    -------
+    The smallest x of the table with P(X <= x) >= q, where q is p, or 1 - p if tail is set; by a binary
+    search in the cumulative sums of the table that FNCHypergeometricCDF builds.
+
+    Edges
+    -----
+    q <= 0: the first entry of the table. q > 1 or a NaN: the last entry. q = 1: the first x whose sum
+    reaches the whole sum.
 
     Failure of the plain export
     ---------------------------
-    In band: -4.4462302923349974e+196 where no distribution exists.
+    Without errno or exception: -4.4462302923349974e+196 where no distribution exists, as for
+    FNCHypergeometricCDF. Where there is no memory for the table, std::bad_alloc is thrown.
+
+    References
+    ----------
+    As FNCHypergeometricCDF.
 
     Notes
     -----
@@ -2062,8 +2153,12 @@ def fnc_hypergeometric_icdf(p, n, m, N, odds, *, accuracy, upper=False, out=None
     Examples
     --------
     >>> from orvanth import fnc_hypergeometric_icdf
-    >>> print(f"{fnc_hypergeometric_icdf(p=0.3, n=30, m=40, N=100, odds=1.8, upper=False, accuracy=1.0):.6g}")
-    14
+    >>> print(f"{fnc_hypergeometric_icdf(p=0.95, n=17, m=28, N=41, odds=1.46, upper=False, accuracy=1e-12):.6g}")
+    15
+    >>> print(f"{fnc_hypergeometric_icdf(p=0.95, n=17, m=28, N=41, odds=1.46, upper=True, accuracy=1e-12):.6g}")
+    10
+    >>> print(f"{fnc_hypergeometric_icdf(p=0, n=10, m=8, N=15, odds=2, upper=False, accuracy=0):.6g}")
+    3
     """
     return _ufuncs.FNCHypergeometricICDF(p, n, m, N, odds, upper, accuracy, out=out, where=where)
 
@@ -2078,19 +2173,33 @@ def fnc_hypergeometric_moments(n, m, N, odds, *, out=None, where=True):
     m : int
         marked items, 0 to N
     N : int
-        population size
+        population size, 0 to 2^31 - 1
     odds : float
-        odds ratio, greater than 0
+        odds ratio, greater than 0, at most 1e150
 
     Returns
     -------
     mean, variance : float
         the results
 
+    Formula
+    -------
+    mean = sum of x P(x), variance = sum of (x - mean)^2 P(x). The probabilities come from
+    log-factorials and are summed outward from an approximate mean until one falls below 1e-9.
+
+    Edges
+    -----
+    Only one value possible: that value and 0. odds = 0 with n <= N - m: 0 and 0.
+
     Failure of the plain export
     ---------------------------
-    In band: for odds 0 with n > N - m sums of -4.4462302923349974e+196; NaN for negative odds. Offsets from
-    the mean are squared in 32 bits: beyond 46340 steps the variance is not to be relied on.
+    Nothing is reported. odds < 0: both NaN. odds = 0 with n > N - m: two finite numbers without
+    meaning. Offsets from the approximate mean are squared in 32 bits: where the sum reaches beyond
+    46340 steps, which takes a standard deviation of about 10000, the variance is not to be relied on.
+
+    References
+    ----------
+    As FNCHypergeometricCDF.
 
     Notes
     -----
