@@ -1783,9 +1783,9 @@ def kolmogorov_icdf(p, n, complement, *, out=None, where=True):
     >>> print(f"{kolmogorov_icdf(p=0.05, n=100, complement=1):.6g}")
     0.134028
     >>> print(f"{kolmogorov_icdf(p=0, n=25, complement=0):.6g}")
-    0.0170000
+    0.017
     >>> print(f"{kolmogorov_icdf(p=1, n=25, complement=0):.6g}")
-    1.08800
+    1.088
     """
     return _ufuncs.KolmogorovICDF(p, n, complement, out=out, where=where)
 
