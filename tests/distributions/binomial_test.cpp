@@ -198,7 +198,7 @@ TEST(BinomialICDF, TinyFractionsWithProbabilitiesNextToOneAreAnEvaluationError) 
     // Just near enough rounded down, not rounded up, where the search starts one further away.
     EXPECT_EQ(BinomialICDF(1 - 0x3p-53, 557, 3.1471570420139038e-10, 0, 0), 1);
     EXPECT_THROW(BinomialICDF(1 - 0x3p-53, 557, 3.1471570420139038e-10, 0, 1), boost::math::evaluation_error);
-    EXPECT_EQ(BinomialICDF(1 - 0x3p-53, 557, 1e-6, 0, 1), 5);
+    EXPECT_EQ(BinomialICDF(1 - 0x3p-53, 557, 1e-6, 0, 1), 4);
 }
 
 TEST(BinomialPS, TinyTailAreaOfAFractionalCountGivesItsBound) {
