@@ -121,6 +121,8 @@ TEST(BinomialICDF, RoundUpFlagCountsAsAWholeWordAndTailFlagByItsLowByte) {
     EXPECT_EQ(BinomialICDF(0.3, 10, 0.4, 0x100, 0), BinomialICDF(0.3, 10, 0.4, 0, 0));
     EXPECT_EQ(BinomialICDF(0.3, 10, 0.4, 0x101, 0), BinomialICDF(0.3, 10, 0.4, 1, 0));
     EXPECT_NE(BinomialICDF(0.3, 10, 0.4, 1, 0), BinomialICDF(0.3, 10, 0.4, 0, 0));
+    EXPECT_EQ(BinomialICDF(1, 10, 0.4, 0x100, 0), 10);
+    EXPECT_EQ(BinomialICDF(1, 10, 0.4, 0x101, 0), 0);
 }
 
 TEST(BinomialICDF, OneGivesAllTrialsAndInTheUpperTailNone) {
