@@ -1,19 +1,21 @@
 #!/usr/bin/env bash
 # Installs what is missing for building, testing and the tour. Needs root only if something is missing.
-#   tools/install_packages.sh build|check|bench
+#   tools/install_packages.sh build|check|hosts|bench
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 build=(g++ gfortran cmake ninja-build ccache python3 python3-numpy python3-matplotlib python3-mpmath dpkg-dev patch ca-certificates
        libboost-dev libopenblas-dev liblapacke-dev)
 check=(libgtest-dev googletest clang-14 clang-format clang-tidy nlohmann-json3-dev pkg-config binutils)
+hosts=(python3-dev python3-pytest python3-hypothesis python3-venv)
 bench=(libbenchmark-dev libgsl-dev r-mathlib r-base-core python3-scipy valgrind)
 
 case "${1:-build}" in
     build) wanted=("${build[@]}") ;;
     check) wanted=("${build[@]}" "${check[@]}") ;;
     bench) wanted=("${build[@]}" "${bench[@]}") ;;
-    *) echo "install_packages.sh: '$1' is no set of packages; give build, check or bench" >&2; exit 2 ;;
+    hosts) wanted=("${build[@]}" "${check[@]}" "${hosts[@]}") ;;
+    *) echo "install_packages.sh: '$1' is no set of packages; give build, check, hosts or bench" >&2; exit 2 ;;
 esac
 
 stop() { printf 'install_packages.sh: %s\n' "$@" >&2; exit 1; }

@@ -1,4 +1,5 @@
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 #include <boost/math/distributions/students_t.hpp>
@@ -38,12 +39,19 @@ double LogBetaPerShape(double a) {
 // The t > 0 with the upper tail `tail`, below 1/2, from the inverse of I_x(df/2, 1/2) with x = df/(df + t^2). Where
 // x is tiny, I is x^a / (a B(a, 1/2)) to all digits, and t is in range longer than x.
 double QuantileFromBeta(double tail, double df) {
-    constexpr double kTinyX = 1e-290;
+    constexpr double kTinyLogX = -200;
     const double a = df / 2;
+    const double logTwoTails = tail < 0.25 ? std::log(2 * tail) : std::log1p(2 * tail - 1);
+    const double logX = logTwoTails / a + LogBetaPerShape(a);
+    if (logX < kTinyLogX) return std::exp((std::log(df) - logX) / 2);
     const BetaPoint point = InverseBetaPoint(kQuantile, a, 0.5, 2 * tail, 1 - 2 * tail);
-    if (point.x > kTinyX) return std::sqrt(df) * std::sqrt(point.y / point.x);
-    const double logX = std::log1p(2 * tail - 1) / a + LogBetaPerShape(a);
-    return std::exp((std::log(df) - logX) / 2);
+    return std::sqrt(df) * std::sqrt(point.y / point.x);
+}
+
+// Boost.Math corrects its estimate of t by one step with a derivative that has the factor x^3, and answers wrongly
+// where that underflows.
+bool HasDerivative(double t, double df) {
+    return std::isfinite(t) && std::pow(df / (df + t * t), 3) >= std::numeric_limits<double>::min();
 }
 
 double Quantile(double p, double df) {
@@ -52,13 +60,15 @@ double Quantile(double p, double df) {
     if (p == 0.5) return 0;
     if (!CheckProbability(kFunction, p)) return kNaN;
     const double tail = p < 0.5 ? p : 1 - p;
+    const auto fromBeta = [=] { return QuantileFromBeta(tail, df); };
+    // For fewer degrees of freedom the estimate of Boost.Math is no number.
+    constexpr double kTinyDf = 1e-300;
+    const auto estimate = [=] {
+        if (df < kTinyDf) return kNaN;
+        return std::fabs(boost::math::quantile(boost::math::students_t_distribution<double, DefaultPolicy>(df), p));
+    };
     const double t = SearchOrFinish(
-        kQuantile,
-        [=] {
-            return std::fabs(
-                boost::math::quantile(boost::math::students_t_distribution<double, DefaultPolicy>(df), p));
-        },
-        [=](double found) { return std::isfinite(found); }, [=] { return QuantileFromBeta(tail, df); });
+        kQuantile, estimate, [=](double found) { return HasDerivative(found, df); }, fromBeta);
     return p < 0.5 ? -Narrow(t, kQuantile) : Narrow(t, kQuantile);
 }
 

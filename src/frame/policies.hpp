@@ -119,6 +119,9 @@ double RaiseEvaluation(const char* function, const char* message, double reached
 // Always thrown.
 [[noreturn]] void RaiseRounding(const char* function, const char* message, double value, const char* type = kDouble);
 
+// Throws std::bad_alloc, as an allocation of that size would.
+[[noreturn]] void RaiseOutOfMemory();
+
 // The check that every special function's result passes on its way out: a magnitude beyond the
 // largest double is an overflow, under "numeric overflow" and type double. A NaN passes.
 inline double Narrow(double value, const char* function) {

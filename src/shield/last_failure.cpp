@@ -75,6 +75,7 @@ void NoteReserved(const Facts& facts, const Value* arguments) noexcept {
 }
 
 void NoteInfo(const Facts& facts, std::int32_t info) noexcept {
+    if (info == ORVANTH_NO_MEMORY) return Note(Status::Memory, facts.name, "out of memory");
     if (info < 0) {
         const std::string_view name = Piece(facts.routineArguments, -std::int64_t{info});
         Begin(Status::Argument)

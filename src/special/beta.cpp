@@ -4,6 +4,7 @@
 
 #include <boost/math/special_functions/beta.hpp>
 
+#include "frame/boost_detail.hpp"
 #include "frame/policies.hpp"
 #include "orvanth/special.h"
 #include "special/beta_inverse.hpp"
@@ -18,9 +19,7 @@ constexpr const char* kParameterTests = "boost::math::ibeta<%1%>(%1%, %1%, %1%)"
 // I_x(a, b) for whole a and b as the lower tail of a binomial distribution of a + b - 1 trials with the success
 // fraction y = 1 - x, summed from its last and largest term down.
 double BinomialSum(double a, double b, double x, double y) {
-    const double last = boost::math::detail::ibeta_power_terms(a, b, x, y, boost::math::lanczos::lanczos13m53(), true,
-                                                               DefaultPolicy()) /
-                        (a * y);
+    const double last = BetaPowerTerms(a, b, x, y) / (a * y);
     double sum = 1, term = 1;
     for (double j = b - 1; j > 0; --j) sum += term *= j * x / ((a + b - j) * y);
     return last * sum;
@@ -34,8 +33,25 @@ bool IsBinomialSumLost(double a, double b, double x) {
            (a + 1) * std::log(x) < std::log(std::numeric_limits<double>::min());
 }
 
+// Below the first, 1 / a overflows inside Boost.Math, and if both parameters are below the second, 1 / (a b) does.
+constexpr double kTinyParameter = 1e-300;
+constexpr double kTinyParameters = 1e-100;
+
+double GeneralRegularized(double a, double b, double x, bool complement);
+
+// For a or b below kTinyParameter, or both below kTinyParameters. The ratio of two tiny parameters decides alone;
+// beside a larger b, 1 - I is proportional to a, and beside a larger a, I is to b.
+double TinyRegularized(double a, double b, double x, bool complement) {
+    if (std::fmax(a, b) < kTinyParameters) return 1 / (1 + (complement ? b / a : a / b));
+    if ((a < b) != complement) return 1;
+    const double side = GeneralRegularized(std::fmax(a, kTinyParameter), std::fmax(b, kTinyParameter), x, complement);
+    return std::fmin(a, b) / kTinyParameter * side;
+}
+
 // For x in (0, 1) and positive a and b.
 double GeneralRegularized(double a, double b, double x, bool complement) {
+    if (std::fmin(a, b) < kTinyParameter || std::fmax(a, b) < kTinyParameters)
+        return TinyRegularized(a, b, x, complement);
     const double y = 1 - x;
     // The side of the mean on which the tail is the smaller one.
     const bool swap = a < b ? a - (a + b) * x < 0 : (a + b) * y - b < 0;
@@ -98,8 +114,7 @@ double DensityOutside(const char* function, double exponent) {
 // are 0 or the quotient is in range, no 1/x on the way may overflow.
 double DensityInside(const char* function, double a, double b, double x) {
     const double y = 1 - x;
-    const double terms = boost::math::detail::ibeta_power_terms(a, b, x, y, boost::math::lanczos::lanczos13m53(),
-                                                                true, DefaultPolicy());
+    const double terms = BetaPowerTerms(a, b, x, y);
     if (terms == 0) return 0;
     if (terms > x * y * kLargest) return RaiseOverflow(function);
     return terms / (x * y);

@@ -2,8 +2,7 @@
 
 #include <cmath>
 
-#include <boost/math/special_functions/beta.hpp>
-
+#include "frame/boost_detail.hpp"
 #include "frame/policies.hpp"
 #include "special/beta.hpp"
 #include "special/beta_limits.hpp"
@@ -15,9 +14,8 @@ namespace {
 
 // The x of [0, 1/2] with I_x(a, b) = p = 1 - q, from the smaller of p and q; 1/2 if x is larger.
 double BisectLowerHalf(double a, double b, double p, double q) {
-    return Bisect(0, 0.5, [=](double x) {
-        return p <= q ? RegularizedBeta(a, b, x) < p : RegularizedBetaC(a, b, x) > q;
-    });
+    return Bisect(0, 0.5,
+                  [=](double x) { return p <= q ? RegularizedBeta(a, b, x) < p : RegularizedBetaC(a, b, x) > q; });
 }
 
 // The smaller of x and y is searched.
@@ -44,7 +42,7 @@ BetaPoint InverseBetaPoint(const char* function, double a, double b, double p, d
         function,
         [=] {
             BetaPoint point = {};
-            point.x = boost::math::detail::ibeta_inv_imp(a, b, p, q, DefaultPolicy(), &point.y);
+            point.x = InverseBetaSearch(a, b, p, q, &point.y);
             return point;
         },
         [](BetaPoint point) { return !std::isnan(point.x) && !std::isnan(point.y); }, bisect);

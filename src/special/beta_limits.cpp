@@ -1,6 +1,7 @@
 #include "special/beta_limits.hpp"
 
 #include <cmath>
+#include <numbers>
 
 #include "frame/policies.hpp"
 #include "special/beta.hpp"
@@ -11,14 +12,18 @@ namespace orvanth {
 
 namespace {
 
-// a is huge: a (1 - x) has a gamma distribution of shape b, or next to none about its mean.
+// The factor c for which -c ln X has a gamma distribution of shape b in the limit of large a (Didonato and Morris,
+// ACM Trans. Math. Softw. 18 (1992) 360, equation 9).
+double LogScale(double a, double b) { return a + (b - 1) / 2; }
+
+// a is huge: the gamma distribution, or where b is huge too, next to none about the mean.
 BetaPoint HugeFirst(double a, double b, double p, double q) {
     if (b > kHugeBetaParameter) {
         if (std::isinf(a)) return {1, 0};
         return {1 / (1 + b / a), 1 / (1 + a / b)};
     }
-    const double y = std::fmin((p < q ? InverseGammaQ(b, p) : InverseGammaP(b, q)) / a, 1);
-    return {1 - y, y};
+    const double v = (p < q ? InverseGammaQ(b, p) : InverseGammaP(b, q)) / LogScale(a, b);
+    return {std::exp(-v), -std::expm1(-v)};
 }
 
 // a is tiny: next to 0 stands the mass b/(a + b), spread as x^a.
@@ -35,19 +40,18 @@ BetaPoint TinyFirst(double a, double b, double p, double q) {
 }  // namespace
 
 double RegularizedBetaLimit(double a, double b, double x, bool complement) {
-    // -a ln X has a gamma distribution of shape b in the limit of large a, and likewise for b.
     if (!(b > kHugeForwardParameter)) {
-        const double v = -a * std::log(x);
+        const double v = -LogScale(a, b) * std::log(x);
         return complement ? RegularizedGammaP(b, v) : RegularizedGammaQ(b, v);
     }
     if (!(a > kHugeForwardParameter)) {
-        const double v = -b * std::log1p(-x);
+        const double v = -LogScale(b, a) * std::log1p(-x);
         return complement ? RegularizedGammaQ(a, v) : RegularizedGammaP(a, v);
     }
     if (std::isinf(a) || std::isinf(b)) return kNaN;
     const double mean = 1 / (1 + b / a);
     const double z = (x - mean) / std::sqrt(mean / (1 + a / b) / (a + b));
-    return ErfCValue((complement ? z : -z) / std::sqrt(2.0)) / 2;
+    return ErfCValue((complement ? z : -z) / std::numbers::sqrt2) / 2;
 }
 
 BetaPoint InverseBetaLimit(double a, double b, double p, double q) {

@@ -24,7 +24,8 @@ inline bool IsForwardLimit(double a, double b) { return a > kHugeForwardParamete
 // I_x(a, b), or its complement, for x in (0, 1).
 double RegularizedBetaLimit(double a, double b, double x, bool complement);
 
-// The point with I_x(a, b) = p = 1 - q, for a and b greater than 0 of which one is beyond the limits, and p in (0, 1).
+// The point with I_x(a, b) = p = 1 - q, for a and b greater than 0 of which one is beyond the limits, and p in (0,
+// 1).
 BetaPoint InverseBetaLimit(double a, double b, double p, double q);
 
 }  // namespace orvanth

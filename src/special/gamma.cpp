@@ -4,6 +4,7 @@
 
 #include <boost/math/special_functions/gamma.hpp>
 
+#include "frame/boost_detail.hpp"
 #include "frame/policies.hpp"
 #include "orvanth/special.h"
 #include "special/quantile_search.hpp"
@@ -39,21 +40,44 @@ constexpr double kLargeShape = 170.0;
 
 // Below this x and above kLargeShape, x^a / Gamma(a + 1) is less than 1e-1300. Boost.Math divides by Gamma(a + 1)
 // there, which overflows.
-const double kNegligibleVariate = std::sqrt(std::numeric_limits<double>::epsilon());
+constexpr double kNegligibleVariate = 0x1p-26;  // the root of epsilon
+
+// From this shape on Boost.Math's sums near the mean take more than 1e5 terms, and from 1e10 on they may exceed its
+// limit of 1e6.
+constexpr double kHugeShape = 1e9;
+
+// Temme's expansion, good near the mean: its error is that of erfc, 1e-13 at most. Beyond 60 standard deviations from
+// the mean the smaller tail underflows.
+double HugeShapeTail(double a, double x, bool upper) {
+    if (std::isinf(a)) return std::isinf(x) ? kNaN : upper ? 1 : 0;
+    const double sigma = (x - a) / a;
+    const bool upperIsSmaller = x >= a;
+    const double smaller = sigma * sigma * a > 3600 ? 0 : TemmeTail(a, x);
+    return upper == upperIsSmaller ? smaller : 1 - smaller;
+}
+
+// Below it 1 / a overflows inside Boost.Math. Q is proportional to a there.
+constexpr double kTinyShape = 1e-300;
 
 double RegularizedGamma(double a, double x, bool upper) {
     if (!AcceptsIncomplete(kIncomplete, a, x)) return kNaN;
+    if (x == 0 && a > 0) return upper ? 1 : 0;
+    if (a < kTinyShape) return upper ? a / kTinyShape * RegularizedGamma(kTinyShape, x, true) : 1;
     if (x < kNegligibleVariate && a > kLargeShape) return upper ? 1 : 0;
+    if (a > kHugeShape) return HugeShapeTail(a, x, upper);
     return upper ? Narrow(boost::math::gamma_q(a, x, DefaultPolicy()), "gamma_q<%1%>(%1%, %1%)")
                  : Narrow(boost::math::gamma_p(a, x, DefaultPolicy()), "gamma_p<%1%>(%1%, %1%)");
 }
 
-// factor x^a exp(-x), where the power may overflow and the product not.
-double TimesPrefix(double factor, double a, double x) {
-    const double prefix = boost::math::detail::full_igamma_prefix(a, x, LateOverflowPolicy());
-    if (!std::isinf(prefix)) return prefix * factor;
+// factor() x^a exp(-x), where the power may overflow and the product not. Where even the root of the power leaves the
+// range, so does the product, and the factor is not asked for: it may take long.
+template <class Factor>
+double TimesPrefix(Factor factor, double a, double x) {
+    const double prefix = IncompleteGammaPrefix(a, x);
+    if (prefix == 0) return 0;
+    if (!std::isinf(prefix)) return prefix * factor();
     const double root = std::pow(x / std::exp(x / a), a / 2);
-    return root * factor * root;
+    return std::isinf(root) ? kInfinity : root * factor() * root;
 }
 
 // Gamma(a) - summed, scaled where Gamma(a) overflows. From 172 on, Gamma(a) is seven times the largest double, and
@@ -65,14 +89,12 @@ double RestOfGamma(double a, double summed) {
     return (boost::math::tgamma(a - 1, DefaultPolicy()) * kScale * (a - 1) - summed * kScale) / kScale;
 }
 
-// Lower or upper incomplete gamma function for a large shape and finite arguments. The smaller one is summed, the
+// Lower or upper incomplete gamma function for a large finite shape. The smaller one is summed, the
 // other is what it leaves of Gamma(a).
 double LargeIncomplete(double a, double x, bool upper) {
-    if (std::isinf(x)) return RestOfGamma(a, 0);
+    if (x == 0 || std::isinf(x)) return upper == std::isinf(x) ? 0 : RestOfGamma(a, 0);
     const bool lowerIsSummed = x < 1.1 || x - 1 / (3 * x) < a;
-    const double factor =
-        lowerIsSummed ? boost::math::detail::lower_gamma_series(a, x, DefaultPolicy()) / a
-                      : boost::math::detail::upper_gamma_fraction(a, x, std::numeric_limits<double>::epsilon());
+    const auto factor = [=] { return lowerIsSummed ? LowerGammaSeries(a, x) / a : UpperGammaFraction(a, x); };
     const double summed = TimesPrefix(factor, a, x);
     return lowerIsSummed != upper ? summed : RestOfGamma(a, summed);
 }
@@ -80,12 +102,14 @@ double LargeIncomplete(double a, double x, bool upper) {
 double IncompleteGamma(double a, double x, bool upper) {
     if (!AcceptsIncomplete(kIncomplete, a, x)) return kNaN;
     if (std::isinf(a)) return !upper && x <= 1 ? 0 : RaiseOverflow(kIncomplete);
-    if (std::isinf(x) && upper) return 0;
-    if (a >= kLargeShape && x > 0) return Narrow(LargeIncomplete(a, x, upper), kIncomplete);
+    if (a >= kLargeShape) return Narrow(LargeIncomplete(a, x, upper), kIncomplete);
     return Narrow(
         upper ? boost::math::tgamma(a, x, DefaultPolicy()) : boost::math::tgamma_lower(a, x, DefaultPolicy()),
         kIncomplete);
 }
+
+// Below it a probability has too few digits for a search by derivatives.
+constexpr double kSmallestNormal = std::numeric_limits<double>::min();
 
 // The x with P(a, x) = p and Q(a, x) = q, from the smaller of the two.
 double BisectGamma(double a, double p, double q) {
@@ -120,9 +144,11 @@ double InverseGammaP(double a, double p) {
     if (p == 1) return kLargest;
     if (p == 0) return 0;
     if (!accepted) return kNaN;
+    const auto bisect = [=] { return BisectGamma(a, p, 1 - p); };
+    if (p < kSmallestNormal) return bisect();
     return SearchOrFinish(
         function, [=] { return Narrow(boost::math::gamma_p_inv(a, p, DefaultPolicy()), function); },
-        [](double) { return true; }, [=] { return BisectGamma(a, p, 1 - p); });
+        [](double x) { return !std::isnan(x); }, bisect);
 }
 
 double InverseGammaQ(double a, double q) {
@@ -133,9 +159,11 @@ double InverseGammaQ(double a, double q) {
     if (q == 0) return kLargest;
     if (q == 1) return 0;
     if (!accepted) return kNaN;
+    const auto bisect = [=] { return BisectGamma(a, 1 - q, q); };
+    if (q < kSmallestNormal) return bisect();
     return SearchOrFinish(
         function, [=] { return Narrow(boost::math::gamma_q_inv(a, q, DefaultPolicy()), function); },
-        [](double) { return true; }, [=] { return BisectGamma(a, 1 - q, q); });
+        [](double x) { return !std::isnan(x); }, bisect);
 }
 
 }  // namespace orvanth

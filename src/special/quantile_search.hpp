@@ -13,7 +13,7 @@ namespace orvanth {
 
 // The smallest double of [low, high] that is not below the root, for 0 <= low <= high. The bit patterns of positive
 // doubles are in the order of their values, so that halving the patterns reaches neighbours in 64 steps at most,
-// whatever the magnitude of the root.
+// whatever the magnitude of the root. A root that is not above the smallest double underflows to 0.
 template <class IsBelow>
 double Bisect(double low, double high, IsBelow isBelow) {
     auto below = std::bit_cast<std::uint64_t>(low), above = std::bit_cast<std::uint64_t>(high);
@@ -24,7 +24,7 @@ double Bisect(double low, double high, IsBelow isBelow) {
         else
             above = middle;
     }
-    return std::bit_cast<double>(above);
+    return above == 1 ? 0 : std::bit_cast<double>(above);
 }
 
 // What `search` finds; where it fails, what `finish` finds. Where both fail, errno 33 or an evaluation error, and

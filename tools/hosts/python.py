@@ -77,6 +77,7 @@ def examples(export, function, keywords=None):
     for call, value in (entry.scalar_examples() if entry and export.result == "double" else []):
         inside = call[call.index("(") + 1:call.rindex(")")]
         if re.fullmatch(r"[-+0-9.eExXa-fA-FpP{}, \n]+", inside):  # plain numbers and arrays
+            value = f"{float(value):.6g}"  # 0.0170000: 0.017
             pairs.append(([a.replace("{", "[").replace("}", "]") for a in _split(inside)], value))
     if not pairs and export.result == "double":
         found = golden_example(export)

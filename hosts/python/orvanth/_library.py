@@ -17,11 +17,25 @@ def _load():
     raise ImportError("the library was not found; looked for " + ", ".join(map(str, _PLACES)))
 
 
+def _through_lapack(function):
+    """NumPy gives the OpenBLAS that both share an xerbla of its own. That one sets a Python exception, which ctypes
+    finds after the call; the library's status and text are there all the same."""
+    def call(*arguments):
+        try:
+            return function(*arguments)
+        except SystemError:
+            if LastStatus() == 0:  # noqa: F821
+                raise
+            return -1
+    return call
+
+
 _library = _load()
 for _name, (_result, _arguments) in SIGNATURES.items():
     _function = getattr(_library, _name)
     _function.restype, _function.argtypes = _result, _arguments
-    globals()[_name] = _function
+    _matrices = any(getattr(a, "_type_", None) is MatrixDescriptor for a in _arguments)
+    globals()[_name] = _through_lapack(_function) if _matrices else _function
 
 HANDLE, NOT_REENTRANT, MEMORY, ARGUMENT = 11, 6, 5, 9
 

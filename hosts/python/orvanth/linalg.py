@@ -21,6 +21,13 @@ def _matrix(a, overwrite=False, name="a"):
     return made
 
 
+def _finite(a):
+    """LAPACK's iterations answer an infinity or a NaN with NaNs or with a status, depending on the order."""
+    if not np.isfinite(a).all():
+        raise np.linalg.LinAlgError("the matrix has an element that is not finite")
+    return a
+
+
 def _check(info):
     if info != 0:
         raise lib.error()
@@ -84,7 +91,7 @@ def svd(a, full_matrices=False, overwrite_a=False):
     >>> s.round(12)
     array([3., 2., 1.])
     """
-    a = _matrix(a, overwrite_a)
+    a = _finite(_matrix(a, overwrite_a))
     m, n = a.shape
     k = min(m, n)
     s = np.zeros(k)
@@ -128,6 +135,7 @@ def _eigen(a, vectors, overwrite_a):
     n = a.shape[1]
     if a.shape[0] != n:
         raise ValueError(f"a must be square, not {a.shape[0]} by {n}")
+    _finite(np.tril(a))
     w, found = np.zeros(n), np.zeros(1, dtype=np.int32)
     z = np.zeros((n, n), order="F") if vectors else None
     if n > 0:

@@ -59,8 +59,13 @@ def test_triangular_and_several_right_hand_sides():
 def test_failures_have_words():
     with pytest.raises(np.linalg.LinAlgError, match="lacks full rank"):
         linalg.lstsq([[1.0, 0], [1, 0]], [1.0, 2])
-    with pytest.raises(ValueError, match="not finite"):
-        linalg.svd([[1.0, np.inf]])
+    for order in (1, 2, 5):
+        bad = np.eye(order)
+        bad[order - 1, 0] = np.inf
+        for function in (linalg.svd, linalg.eigh):
+            with pytest.raises(np.linalg.LinAlgError, match="not finite"):
+                function(bad)
+    assert linalg.eigvalsh([[1.0, np.nan], [0.0, 2.0]]).tolist() == [1, 2], "the upper triangle is not read"
     with pytest.raises(ValueError, match="workspace of 10000"):
         linalg.svd(np.ones((60, 60)), full_matrices=True)
     with pytest.raises(ValueError, match="2 dimensions|must be a matrix"):
