@@ -6,9 +6,11 @@
 #ifndef ORVANTH_FRAME_BOOST_DETAIL_HPP
 #define ORVANTH_FRAME_BOOST_DETAIL_HPP
 
+#include <cstdint>
 #include <limits>
 #include <type_traits>
 
+#include <boost/math/distributions/binomial.hpp>
 #include <boost/math/special_functions/beta.hpp>
 #include <boost/math/special_functions/gamma.hpp>
 #include <boost/version.hpp>
@@ -49,6 +51,21 @@ inline double BetaPowerTerms(double a, double b, double x, double y) {
 // inverses take either p or q, and form the other by a subtraction.
 inline double InverseBetaSearch(double a, double b, double p, double q, double* complement) {
     return boost::math::detail::ibeta_inv_imp(a, b, p, q, DefaultPolicy(), complement);
+}
+
+// The Cornish-Fisher estimate of the binomial quantile for the tails p = 1 - q; a NaN for a fraction of 1.
+inline double CornishFisherEstimate(double trials, double fraction, double p, double q) {
+    return boost::math::binomial_detail::inverse_binomial_cornish_fisher(trials, fraction, p, q, DefaultPolicy());
+}
+
+// The real number at which cdf(distribution, k), or its complement for the upper tail, is p. The search steps out
+// from `guess` by 1 and then by `factor`, and ends where `tolerance` is satisfied or after 200 steps.
+template <class Distribution, class Tolerance>
+double SearchDiscreteQuantile(const Distribution& distribution, double p, bool upper, double guess, double factor,
+                              const Tolerance& tolerance) {
+    std::uintmax_t iterations = bmp::get_max_root_iterations<DefaultPolicy>();
+    return boost::math::detail::do_inverse_discrete_quantile(distribution, p, upper, guess, factor, 1.0, tolerance,
+                                                             iterations);
 }
 
 }  // namespace orvanth
