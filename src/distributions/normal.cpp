@@ -35,7 +35,7 @@ double RejectVariate(double x) {
 ORVANTH_API(double) NormalPDF(double x, double mean, double sd) {
     Silent silent;
     const bool valid = HasValidParameters(mean, sd);
-    if (std::isinf(x)) return 0;  // ahead of all other answers
+    if (std::isinf(x)) return 0;  // before the parameters decide
     if (!valid) return kNaN;
     if (std::isnan(x)) return RejectVariate(x);
     const double distance = x - mean;

@@ -83,14 +83,14 @@ ORVANTH_API(double) StudentTPDF(double x, double df) {
     return kernel / (std::sqrt(df) * BetaFunction(df / 2, 0.5));
 }
 
-// Symmetry stands in for a complement.
+// There is no complement form: the flag negates x.
 ORVANTH_API(double) StudentTCDF(double x, double df, TailFlag tail) {
     Silent silent;
     if (!CheckDf(kFunction, df)) return kNaN;
     return Cumulative(IsSet(tail) ? -x : x, df);
 }
 
-// Required: the early return needs a bad df and a good p; otherwise the quantile sees p as it is.
+// Required: the early return needs a bad df and a good p; otherwise p goes on as it is.
 ORVANTH_API(double) StudentTICDF(double p, double df, TailFlag tail) {
     Silent silent;
     const bool valid = CheckDf(kFunction, df);
