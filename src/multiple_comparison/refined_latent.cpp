@@ -25,6 +25,9 @@ constexpr double kLatentLimit = 38.5;
 // Conditional probabilities below this do not count against a tail of 1e-12.
 constexpr double kFloor = 1e-24;
 
+// The square leaves room for a narrow part beside the hump.
+constexpr double kHalvesAgree = 6e-7;
+
 double NormalDensity(double z) { return one_div_root_two_pi<double>() * std::exp(-0.5 * z * z); }
 
 double Power(double base, std::int32_t exponent) {
@@ -145,12 +148,12 @@ double ConditionalProbability(const ComparisonStatistic& statistic, double v, bo
         }
         return value;
     };
-    TrapezoidRange range{0.0, 0.0, kLatentLimit, kFloor, true, true};
+    TrapezoidRange range{0.0, 0.0, kLatentLimit, kHalvesAgree, kFloor, true, true};
     if (statistic.kind != ComparisonKind::kTwoSided) {
         const bool oneHump = statistic.kind == ComparisonKind::kAllPairs || !upper || HaveOneSign(statistic);
         const double end = oneHump ? kLatentLimit : kLatentEnd;
         if (oneHump && !start.known) start.mode = CoarseMode(integrand);
-        range = {oneHump ? start.mode : 0.0, -end, end, kFloor, false, oneHump};
+        range = {oneHump ? start.mode : 0.0, -end, end, kHalvesAgree, kFloor, false, oneHump};
     }
     // At 0.9 of the width of the steepest normal factor the rule resolves it to exp(-24).
     const double largestStep = std::min(0.6, 0.9 / std::max(statistic.steepest, 1e-3));

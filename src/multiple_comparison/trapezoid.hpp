@@ -17,9 +17,6 @@ struct TrapezoidResult {
     double difference;  // relative difference of the sums over the even and the odd points
 };
 
-// Accepted difference of the two halves. Its square is the error of one hump of one width; the limit
-// leaves room for humps with a narrow part.
-inline constexpr double kHalvesAgree = 6e-7;
 // A term below this part of the sum ends the sum on its side.
 inline constexpr double kNegligibleTerm = 1e-13;
 inline constexpr int kMostHalvings = 7;
@@ -28,6 +25,7 @@ struct TrapezoidRange {
     double origin;  // a point of the grid, where the integrand is not negligible
     double low;
     double high;
+    double agree;  // accepted difference of the two halves; its square is the error of one smooth hump
     double floor;  // a sum times step below this needs no relative accuracy
     bool even;     // the integrand is even, low = origin = 0: twice the sum over the half-line
     bool oneHump;  // terms fall from the hump outwards: a sum may end before its range
@@ -58,7 +56,7 @@ TrapezoidResult Trapezoid(const Integrand& integrand, const TrapezoidRange& rang
     for (int halving = 0;; ++halving) {
         const double sum = halves[0] + halves[1];
         difference = std::fabs(halves[0] - halves[1]) / (sum + range.floor / step);
-        if (difference <= kHalvesAgree || halving == kMostHalvings) break;
+        if (difference <= range.agree || halving == kMostHalvings) break;
         halves[0] = sum;
         halves[1] = 0.0;
         for (int i = -left; i < right; ++i) halves[1] += integrand(range.origin + (i + 0.5) * step);
