@@ -14,7 +14,7 @@ import numpy as np
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools"))
 from host import Core  # noqa: E402
 
-SIZES = ((100, 5), (1000, 20), (100000, 20), (2000, 500))
+SIZES = ((100, 5), (200, 40), (1000, 20), (20000, 60), (100000, 20), (2000, 500))
 
 
 def microseconds(calls, budget=4.0):
