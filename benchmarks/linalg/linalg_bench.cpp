@@ -174,8 +174,9 @@ void RegisterBoundary(int m, int n) {
         return EigenSymmetric(p.a.data(), &p.shape, p.s.data(), &found, p.vt.data(), &p.square);
     });
     Time("EigenSymmetric", "direct", m, n, [](Problem& p) { return DirectEigen(p); });
-    Time("IsFinite", "alone", m, n,
-         [](Problem& p) { return IsFinite({p.given.data(), p.shape.rows, p.shape.columns, p.shape.rows}); });
+    Time("IsFinite", "alone", m, n, [](Problem& p) {
+        return IsFinite({p.given.data(), p.shape.rows, p.shape.columns, p.shape.rows});
+    });
     if (m > 200) return;  // the workspace and the square of the rows forbid more
     Time("FullSVD", "export", m, n, [](Problem& p) {
         return FullSVD(p.a.data(), &p.shape, p.s.data(), p.u.data(), &p.large, p.vt.data(), &p.square);
