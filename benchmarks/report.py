@@ -32,7 +32,7 @@ NANOSECONDS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
 LEVEL = 0.95
 # Why rows are behind a peer: exports, peers, the reason. The first match counts.
 REASONS = (
-    ("LBFGSBStep", "setulb|packaged", "each step copies x and g into the state and back, which the interface fixes"),
+    ("LBFGSBStep", "setulb|packaged", "the boundary of each step: the checks of the state and the reading of the task"),
     ("LBFGSBStep", "R", "an older version of the method, which needs fewer evaluations here: docs/accuracy/optimise.md"),
     ("OLS", "LS|LAPACK", "OLS tests every column for collinearity before it goes on"),
     ("CreateRandomStream", "Boost", "the stream is a block of the heap with a checked marker"),
