@@ -22,7 +22,7 @@ from signature_table import exports  # noqa: E402
 
 TITLES = {"instructions": "Instructions of one call", "peers-kolmogorov": "SciPy and R: Kolmogorov",
           "peers-linalg": "R and NumPy: least squares", "peers-multiple_comparison": "SciPy and Rmath: studentised range",
-          "peers-random": "NumPy: random numbers"}
+          "peers-random": "NumPy: random numbers", "peers-shield": "The cost of the shield"}
 
 # Exports that are measured together with another.
 TOGETHER = {"DeleteRandomStream": "CreateRandomStream", "LBFGSBStart": "LBFGSBStep", "LBFGSBEnd": "LBFGSBStep"}
@@ -32,8 +32,8 @@ NANOSECONDS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
 LEVEL = 0.95
 # Why rows are behind a peer: exports, peers, the reason. The first match counts.
 REASONS = (
-    ("LBFGSBStep", "setulb|packaged", "each step copies x and g into the state and back, which the interface fixes"),
-    ("LBFGSBStep", "R", "another implementation of the method"),
+    ("LBFGSBStep", "setulb|packaged", "the boundary of each step: the checks of the state and the reading of the task"),
+    ("LBFGSBStep", "R", "an older version of the method, which needs fewer evaluations here: docs/accuracy/optimise.md"),
     ("OLS", "LS|LAPACK", "OLS tests every column for collinearity before it goes on"),
     ("CreateRandomStream", "Boost", "the stream is a block of the heap with a checked marker"),
     (".*", "Boost|LAPACK|plain loop|plain", "the same calculation without the boundary: errno and exceptions are kept apart"),
