@@ -232,8 +232,9 @@ def main():
              "Each figure is the median of repeated runs in random order; the spread is the distance of the quartiles."
              " A ratio is the peer's time over ours: above 1 the peer takes longer. A row is level if the ratio is"
              f" between {LEVEL} and {1 / LEVEL:.2f}. A case without a text is the random sample of the accuracy tests."]
-    extra = [(TITLES.get(p.stem, p.stem), p.read_text().strip()) for p in sorted(folder.glob("*.md"))
-             if p.stem != "benchmarks"]
+    # Tables of errors are at home in docs/accuracy; of a peer's report only the times are taken.
+    extra = [(TITLES.get(p.stem, p.stem), re.sub(r"^Largest error.*?(?=^Times)", "", p.read_text().strip(), flags=re.M | re.S))
+             for p in sorted(folder.glob("*.md")) if p.stem != "benchmarks"]
     rows = comparisons(found)
     total, by_peer, why = summary(rows)
 
@@ -258,4 +259,5 @@ def main():
         sys.exit("report.py: no row for " + ", ".join(without) + "; add one to the benchmark of its family")
 
 
-main()
+if __name__ == "__main__":
+    main()

@@ -194,8 +194,7 @@ def readme_tables():
             "None": "no failure is reported"}
     failure = ["| form | what the caller sees | exports |", "|---|---|---|"]
     failure += [f"| {form} | {text} | {names_with('failures', form)} |" for form, text in sees.items()]
-    rules = {"Workspace": "works on storage of the whole process: one call at a time (the matrix exports among "
-                          "themselves, the minimiser's among themselves)",
+    rules = {"Workspace": "works on storage of the whole process: one call at a time among these exports",
              "Handle": "works on a handle, which serves one thread at a time"}
     threads = ["| rule | meaning | exports |", "|---|---|---|"]
     threads += [f"| {rule} | {text} | {names_with('threads', rule)} |" for rule, text in rules.items()]

@@ -174,8 +174,9 @@ void RegisterBoundary(int m, int n) {
         return EigenSymmetric(p.a.data(), &p.shape, p.s.data(), &found, p.vt.data(), &p.square);
     });
     Time("EigenSymmetric", "direct", m, n, [](Problem& p) { return DirectEigen(p); });
-    Time("IsFinite", "alone", m, n,
-         [](Problem& p) { return IsFinite({p.given.data(), p.shape.rows, p.shape.columns, p.shape.rows}); });
+    Time("IsFinite", "alone", m, n, [](Problem& p) {
+        return IsFinite({p.given.data(), p.shape.rows, p.shape.columns, p.shape.rows});
+    });
     if (m > 200) return;  // the workspace and the square of the rows forbid more
     Time("FullSVD", "export", m, n, [](Problem& p) {
         return FullSVD(p.a.data(), &p.shape, p.s.data(), p.u.data(), &p.large, p.vt.data(), &p.square);
@@ -202,7 +203,8 @@ void RegisterLeastSquares(int m, int n) {
 const bool registered = [] {
     RegisterBoundary(100, 10);
     RegisterBoundary(1000, 20);
-    for (auto [m, n] : {std::pair{100, 5}, {1000, 20}, {100000, 20}, {2000, 500}}) RegisterLeastSquares(m, n);
+    for (auto [m, n] : {std::pair{100, 5}, {200, 40}, {1000, 20}, {20000, 60}, {100000, 20}, {2000, 500}})
+        RegisterLeastSquares(m, n);
     return true;
 }();
 

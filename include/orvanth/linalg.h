@@ -8,232 +8,515 @@
  * @file
  * Dense linear algebra in the caller's storage: LAPACK on a pointer and a MatrixDescriptor, in place.
  *
- * Element (i, j), from zero, of a view lies at pointer[offset + i + j * leadingDimension] in QR, QRP, QR_Q,
- * QR_Qy, LS and OLS. FullSVD, ThinSVD, EigenSymmetric, SolveTriangularSystem and Xb ignore `offset` and start
- * at the pointer itself. Descriptors are never written and no pointer outlives the call. Rows below a view,
- * down to the leading dimension, are left alone.
+ * Storage is column-major. Element (i, j) of a view, both counted from zero, lies at
+ * pointer[offset + i + j * leadingDimension] in QR, QRP, QR_Q, QR_Qy, LS and OLS. FullSVD, ThinSVD,
+ * EigenSymmetric, SolveTriangularSystem and Xb ignore offset: their views start at the pointer itself.
+ * Descriptors are never written, and no pointer is kept after a call. Rows between the end of a view
+ * and its leading dimension are neither read nor written.
  *
- * The result is LAPACK's INFO unchanged: 0 is success, -i means that argument i of the LAPACK routine was
- * rejected, and a positive value has the meaning told with each export. Nothing throws, save OLS when the heap
- * is exhausted, and errno is not set. LAPACK also prints a line about a rejected argument and returns.
+ * The result is LAPACK's status unchanged (LAPACK calls it INFO): 0 is success, -i means that argument
+ * i of the LAPACK routine was rejected, and a positive value has a meaning of its own for each export.
+ * LAPACK also prints a line about a rejected argument. Nothing throws, and errno is left alone.
  *
- * QR, QRP, QR_Q, QR_Qy, LS, OLS and FullSVD share one workspace of 10000 doubles that is neither locked nor
- * grown: the host serialises them, and problems that need more come back with the INFO of that argument, their
- * matrices untouched. ThinSVD, EigenSymmetric, SolveTriangularSystem and Xb may run on several threads at once.
+ * QR, QRP, QR_Q, QR_Qy, LS, OLS and FullSVD share one workspace of 10000 doubles. It has no lock and
+ * it is never grown: a problem that needs more is rejected and its matrices are unchanged.
  *
- * The kernels are OpenBLAS's. It starts one thread a core by itself, which costs more than it gains on problems
- * of statistical size; a host sets OPENBLAS_NUM_THREADS=1 in its environment before the library is loaded, or
- * calls openblas_set_num_threads(1) of the same OpenBLAS.
+ * The kernels are those of OpenBLAS. By default it starts one thread for each core, which costs more
+ * than it gains on problems of statistical size. Set OPENBLAS_NUM_THREADS=1 in the environment before
+ * the library is loaded, or call openblas_set_num_threads(1) of the same OpenBLAS.
  */
 
 /**
- * Householder QR factorisation of an m by n matrix.
+ * Householder QR factorisation of a matrix.
  *
- * @param[in,out] a       the matrix; on return R on and above the diagonal, the reflectors below it
- * @param[in] descriptor  view of a, `offset` honoured
- * @param[out] tau        min(m, n) factors of the reflectors
- * @return INFO of dgeqrf: 0; -1 rows, -2 columns, -4 leadingDimension; -7 for more than 10000 columns.
+ * @par Formula
+ * @code{.unparsed}
+ * A = Q R with Q = H(1) H(2) ... H(k), k = min(m, n), and H(i) = I - tau(i) v v'. The vector v is 0
+ * above row i and 1 in row i. R is upper triangular. The diagonal of R has the sign opposite to the
+ * element that its reflector began with.
+ * @endcode
+ * @param[in,out] a       m by n; on return R on and above the diagonal, and the vectors v below it
+ * @param[in] descriptor  view of a, offset honoured: rows = m >= 0, columns = n from 0 to 10000,
+ *                        leadingDimension >= max(1, m)
+ * @param[out] tau        min(m, n) doubles, the factors of the reflectors
+ * @return 0, or the status of a rejected argument
+ * @par Edges
+ * m = 0 or n = 0: 0, and nothing is read or written.
+ * An infinity or a NaN in a: 0, and the factors hold NaNs.
  * @par Failure
- * Status; a rejected call changes nothing. No columns or no rows: 0 at once.
+ * Status -1: rows. -2: columns. -4: leadingDimension. -7: more than 10000 columns. errno is left
+ * alone, and nothing is written.
  * @par Threads
  * Not reentrant: works on storage of the whole process. Calls of
  * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
+ * @par Memory
+ * None; the shared workspace serves.
+ * @par Accuracy
+ * Backward stable, with figures: docs/accuracy/linalg.md
+ * @par Equivalents
+ * - R: qr(a, LAPACK = TRUE) pivots; without pivoting there is none with the same layout.
+ * - SciPy: scipy.linalg.qr(a, mode="raw").
+ * @par Example
+ * @code
+ *     // The column (3, 4) becomes (-5, 0).
+ *     double a[2] = {3, 4}, tau[1];
+ *     const MatrixDescriptor view = {0, 2, 2, 1};
+ *     const int status = (int)QR(a, &view, tau);
+ *     printf("status %d, R = %.6g, v = (1, %.6g), tau = %.6g\n", status, a[0], a[1], tau[0]);
+ * // prints: status 0, R = -5, v = (1, 0.5), tau = 1.6
+ * @endcode
  * @par Source
- * LAPACK; the diagonal of R has the sign opposite to the element that its reflector began with.
+ * E. Anderson and others, LAPACK Users' Guide, third edition, SIAM, 1999 (dgeqrf).
  */
 ORVANTH_API(int32_t) QR(double* a, const MatrixDescriptor* descriptor, double* tau);
 
 /**
- * QR factorisation with column pivoting.
+ * Householder QR factorisation with column pivoting.
  *
- * @param[in,out] a       the matrix; on return the factors of the permuted matrix, as from QR
- * @param[in] descriptor  view of a, `offset` honoured
- * @param[out] tau        min(m, n) factors of the reflectors. It stands before jpvt, unlike in LAPACK
- * @param[in,out] jpvt    n integers: on entry 0 leaves a column free and anything else fixes it at the front,
- *                        so the caller clears it; on return element j is the number, from one, of the column
- *                        of the given matrix that went to position j
- * @return INFO of dgeqp3: 0; -1 rows, -2 columns, -4 leadingDimension; -8 for more than 3333 columns.
+ * @par Formula
+ * @code{.unparsed}
+ * A P = Q R. Each step takes the column whose part not yet reduced is longest, so that the diagonal of
+ * R does not grow in size.
+ * @endcode
+ * @param[in,out] a       m by n; on return the factors of the permuted matrix, laid out as by QR
+ * @param[in] descriptor  view of a, offset honoured: rows = m >= 0, columns = n from 0 to 3333,
+ *                        leadingDimension >= max(1, m)
+ * @param[out] tau        min(m, n) doubles, the factors of the reflectors. This argument stands before
+ *                        jpvt, unlike in LAPACK
+ * @param[in,out] jpvt    n integers. On entry 0 leaves a column free, and any other value fixes it at
+ *                        the front; set all to 0 for free pivoting. On return element j is the number,
+ *                        from one, of the given column that went to position j
+ * @return 0, or the status of a rejected argument
+ * @par Edges
+ * m = 0 or n = 0: 0, and no element of a is read or written.
+ * jpvt left over from an earlier call: its columns are taken as fixed.
  * @par Failure
- * Status; a rejected call changes nothing.
+ * Status -1: rows. -2: columns. -4: leadingDimension. -8: more than 3333 columns. errno is left alone,
+ * and nothing is written.
  * @par Threads
  * Not reentrant: works on storage of the whole process. Calls of
  * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
+ * @par Memory
+ * None; the shared workspace serves.
+ * @par Accuracy
+ * Backward stable, with figures: docs/accuracy/linalg.md
+ * @par Equivalents
+ * - R: qr(a, LAPACK = TRUE).
+ * - SciPy: scipy.linalg.qr(a, mode="raw", pivoting=True); its pivots count from zero.
+ * @par Example
+ * @code
+ *     // The second column, (3, 4), is longer than the first, (1, 0).
+ *     double a[4] = {1, 0, 3, 4}, tau[2];
+ *     int32_t jpvt[2] = {0, 0};
+ *     const MatrixDescriptor view = {0, 2, 2, 2};
+ *     const int status = (int)QRP(a, &view, tau, jpvt);
+ *     printf("status %d, order %d %d, R(1,1) = %.6g\n", status, (int)jpvt[0], (int)jpvt[1], a[0]);
+ * // prints: status 0, order 2 1, R(1,1) = -5
+ * @endcode
  * @par Source
- * LAPACK; G. Quintana-Orti, X. Sun, C. H. Bischof, SIAM J. Sci. Comput. 19 (1998) 1486-1494.
+ * G. Quintana-Orti, X. Sun, C. H. Bischof, A BLAS-3 version of the QR factorization with column
+ * pivoting, SIAM Journal on Scientific Computing 19, 1998 (dgeqp3).
  */
 ORVANTH_API(int32_t) QRP(double* a, const MatrixDescriptor* descriptor, double* tau, int32_t* jpvt);
 
 /**
- * Forms the thin Q of a factorisation by QR or QRP, in its place.
+ * Forms the first n columns of Q, from the factors of QR or QRP.
  *
- * @param[in,out] a       m by n, what QR or QRP left, m >= n; on return the first n columns of Q
- * @param[in] descriptor  view of a, `offset` honoured
- * @param[in] tau         n factors, as from QR or QRP
- * @return INFO of dorgqr: 0; -1 rows, -2 columns, which may not exceed rows, -5 leadingDimension; -8 for more
- *         than 10000 columns.
+ * @par Formula
+ * @code{.unparsed}
+ * The first n columns of H(1) H(2) ... H(n). After QRP this is the Q of the permuted matrix.
+ * @endcode
+ * @param[in,out] a       m by n, as QR or QRP left it, m >= n; on return the first n columns of Q
+ * @param[in] descriptor  view of a, offset honoured: rows = m, columns = n from 0 to min(m, 10000),
+ *                        leadingDimension >= max(1, m)
+ * @param[in] tau         n doubles, as QR or QRP left them
+ * @return 0, or the status of a rejected argument
+ * @par Edges
+ * n = 0: 0, and nothing is read or written.
  * @par Failure
- * Status; a rejected call changes nothing. After QRP it is the Q of the permuted matrix; jpvt is applied by
- * no export.
+ * Status -1: rows. -2: columns, which may not exceed rows. -5: leadingDimension. -8: more than 10000
+ * columns. errno is left alone, and nothing is written.
  * @par Threads
  * Not reentrant: works on storage of the whole process. Calls of
  * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
+ * @par Memory
+ * None; the shared workspace serves.
+ * @par Accuracy
+ * Orthogonal to rounding, with figures: docs/accuracy/linalg.md
+ * @par Equivalents
+ * - R: qr.Q(qr(a, LAPACK = TRUE)).
+ * - SciPy: scipy.linalg.qr(a, mode="economic")[0].
+ * @par Example
+ * @code
+ *     double a[2] = {3, 4}, tau[1];
+ *     const MatrixDescriptor view = {0, 2, 2, 1};
+ *     QR(a, &view, tau);
+ *     const int status = (int)QR_Q(a, &view, tau);
+ *     printf("status %d, Q = (%.6g, %.6g)\n", status, a[0], a[1]);
+ * // prints: status 0, Q = (-0.6, -0.8)
+ * @endcode
+ * @par Source
+ * E. Anderson and others, LAPACK Users' Guide, third edition, SIAM, 1999 (dorgqr).
  */
 ORVANTH_API(int32_t) QR_Q(double* a, const MatrixDescriptor* descriptor, const double* tau);
 
 /**
- * Multiplies a matrix by Q or its transpose, from the factors of QR or QRP.
+ * Multiplies a matrix by Q or by its transpose, from the factors of QR or QRP.
  *
- * @param[in] a            m by n, what QR or QRP left, m >= n; unchanged
- * @param[in] aDescriptor  view of a, `offset` honoured
- * @param[in] transpose    the whole word: 0 gives Q c, anything else Q transposed times c
- * @param[in] tau          n factors, as from QR or QRP
- * @param[in,out] c        m by k; its own `rows` is not read
- * @param[in] cDescriptor  view of c, `offset` honoured
- * @return INFO of dormqr: 0; -3 rows of a, -4 columns of c, -5 columns of a, which may not exceed its rows,
- *         -7 and -10 the leading dimensions; -12 for more than 10000 columns of c.
+ * @par Formula
+ * @code{.unparsed}
+ * C := Q C, or C := Q' C.
+ * @endcode
+ * @param[in] a            m by n, as QR or QRP left it, m >= n
+ * @param[in] aDescriptor  view of a, offset honoured: rows = m, columns = n <= m,
+ *                         leadingDimension >= max(1, m)
+ * @param[in] transpose    0 multiplies by Q, any other value of the 32 bits by its transpose
+ * @param[in] tau          n doubles, as QR or QRP left them
+ * @param[in,out] c        m by k
+ * @param[in] cDescriptor  view of c, offset honoured: columns = k from 0 to 10000,
+ *                         leadingDimension >= max(1, m); rows is not read
+ * @return 0, or the status of a rejected argument
+ * @par Edges
+ * m, n or k = 0: 0, and c is unchanged.
  * @par Failure
- * Status; a rejected call changes nothing.
+ * Status -3: rows of a. -4: columns of c. -5: columns of a, which may not exceed its rows. -7:
+ * leadingDimension of a. -10: leadingDimension of c. -12: more than 10000 columns of c. errno is left
+ * alone, and nothing is written.
  * @par Threads
  * Not reentrant: works on storage of the whole process. Calls of
  * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
+ * @par Memory
+ * None; the shared workspace serves.
+ * @par Accuracy
+ * Backward stable, with figures: docs/accuracy/linalg.md
+ * @par Equivalents
+ * - R: qr.qy(qr(a, LAPACK = TRUE), c) and qr.qty(qr(a, LAPACK = TRUE), c).
+ * - SciPy: scipy.linalg.qr_multiply(a, c, mode="left").
+ * @par Example
+ * @code
+ *     double a[2] = {3, 4}, tau[1], c[2] = {1, 0};
+ *     const MatrixDescriptor view = {0, 2, 2, 1};
+ *     QR(a, &view, tau);
+ *     const int status = (int)QR_Qy(a, &view, 1, tau, c, &view);
+ *     printf("status %d, Q'c = (%.6g, %.6g)\n", status, c[0], c[1]);
+ * // prints: status 0, Q'c = (-0.6, -0.8)
+ * @endcode
+ * @par Source
+ * E. Anderson and others, LAPACK Users' Guide, third edition, SIAM, 1999 (dormqr).
  */
 ORVANTH_API(int32_t) QR_Qy(double* a, const MatrixDescriptor* aDescriptor, int32_t transpose,
                            const double* tau, double* c, const MatrixDescriptor* cDescriptor);
 
 /**
- * Singular value decomposition with all singular vectors, in the shared workspace.
+ * Singular value decomposition with all singular vectors, for small matrices.
  *
+ * @par Formula
+ * @code{.unparsed}
+ * A = U S V', where U is m by m, V is n by n, both orthogonal, and S is diagonal, s >= 0, descending.
+ * @endcode
  * @param[in,out] a         m by n; destroyed
- * @param[in] aDescriptor   view of a, `offset` ignored
- * @param[out] s            min(m, n) singular values, descending
- * @param[out] u            m by m, left singular vectors as columns
- * @param[in] uDescriptor   only leadingDimension is read
- * @param[out] vt           n by n, right singular vectors as rows
- * @param[in] vtDescriptor  only leadingDimension is read
- * @return INFO of dgesdd: 0; -2 rows, -3 columns, -5, -8 and -10 the leading dimensions; -4 for an infinity or
- *         a NaN in a; -12 when the workspace is too small, as for 57 by 57 or 100 by 50; above 0 the iteration
- *         did not converge.
+ * @param[in] aDescriptor   view of a, offset ignored: rows = m >= 0, columns = n >= 0,
+ *                          leadingDimension >= max(1, m)
+ * @param[out] s            min(m, n) doubles, the singular values, descending
+ * @param[out] u            m by m, the left singular vectors as columns
+ * @param[in] uDescriptor   leadingDimension >= max(1, m); nothing else is read
+ * @param[out] vt           n by n, the right singular vectors as rows
+ * @param[in] vtDescriptor  leadingDimension >= max(1, n); nothing else is read
+ * @return 0, the status of a rejected argument, or a positive status
+ * @par Edges
+ * m = 0 or n = 0: 0, and nothing is read or written.
+ * An infinity where min(m, n) < 3: LAPACK's answer, NaNs in the result.
  * @par Failure
- * Status; a negative one changes nothing.
+ * Status -2: rows. -3: columns. -5, -8, -10: leadingDimension of a, u, vt. -12: the workspace is too
+ * small; the largest square is 56 by 56. -4: a NaN in a, or an infinity where min(m, n) >= 3; for a
+ * matrix that is rejected otherwise its elements are not read. Below 0, nothing is written. Above 0:
+ * the iteration did not converge. errno is left alone.
  * @par Threads
  * Not reentrant: works on storage of the whole process. Calls of
  * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
+ * @par Memory
+ * None; the shared workspace serves.
+ * @par Accuracy
+ * Backward stable, with figures: docs/accuracy/linalg.md
+ * @par Equivalents
+ * - R: svd(a, nu = nrow(a), nv = ncol(a)).
+ * - SciPy: scipy.linalg.svd(a).
+ * @par Example
+ * @code
+ *     double a[4] = {3, 0, 0, 4}, s[2], u[4], vt[4];
+ *     const MatrixDescriptor view = {0, 2, 2, 2};
+ *     const int status = (int)FullSVD(a, &view, s, u, &view, vt, &view);
+ *     printf("status %d, s = %.6g, %.6g\n", status, s[0], s[1]);
+ * // prints: status 0, s = 4, 3
+ * @endcode
  * @par Source
- * LAPACK's divide and conquer; M. Gu, S. C. Eisenstat, SIAM J. Matrix Anal. Appl. 16 (1995) 79-92.
+ * M. Gu, S. C. Eisenstat, A divide-and-conquer algorithm for the bidiagonal SVD, SIAM Journal on
+ * Matrix Analysis and Applications 16, 1995 (dgesdd).
  */
 ORVANTH_API(int32_t) FullSVD(double* a, const MatrixDescriptor* aDescriptor, double* s, double* u,
                              const MatrixDescriptor* uDescriptor, double* vt,
                              const MatrixDescriptor* vtDescriptor);
 
 /**
- * Singular value decomposition with the first min(m, n) singular vectors, of any size.
+ * Singular value decomposition with the first min(m, n) singular vectors.
  *
+ * @par Formula
+ * @code{.unparsed}
+ * A = U S V' with the first k = min(m, n) columns of U and of V. S is diagonal, s >= 0, descending.
+ * @endcode
  * @param[in,out] a         m by n; destroyed
- * @param[in] aDescriptor   view of a, `offset` ignored
- * @param[out] s            min(m, n) singular values, descending
- * @param[out] u            m by min(m, n), left singular vectors as columns
- * @param[in] uDescriptor   only leadingDimension is read
- * @param[out] vt           min(m, n) by n, right singular vectors as rows
- * @param[in] vtDescriptor  only leadingDimension is read
- * @return INFO of dgesdd, as for FullSVD, without the limit of the workspace: scratch is allocated for the call.
+ * @param[in] aDescriptor   view of a, offset ignored: rows = m >= 0, columns = n >= 0,
+ *                          leadingDimension >= max(1, m)
+ * @param[out] s            min(m, n) doubles, the singular values, descending
+ * @param[out] u            m by min(m, n), the left singular vectors as columns
+ * @param[in] uDescriptor   leadingDimension >= max(1, m); nothing else is read
+ * @param[out] vt           min(m, n) by n, the right singular vectors as rows
+ * @param[in] vtDescriptor  leadingDimension >= max(1, min(m, n)); nothing else is read
+ * @return 0, the status of a rejected argument, or a positive status
+ * @par Edges
+ * m = 0 or n = 0: 0, and nothing is read or written.
+ * An infinity where min(m, n) < 3: LAPACK's answer, NaNs in the result.
  * @par Failure
- * Status; a negative one changes nothing.
+ * Status -2: rows. -3: columns. -5, -8, -10: leadingDimension of a, u, vt. -12: a workspace of 2^31 or
+ * more doubles, needed from about 26754 by 26754 on. -4: a NaN in a, or an infinity where min(m, n) >=
+ * 3. -1010: no memory for the workspace. Below 0, nothing is written. Above 0: the iteration did not
+ * converge. errno is left alone.
  * @par Threads
  * Reentrant: calls may overlap in time if they write to different arrays.
+ * @par Memory
+ * Workspace for the call: about 3 k^2 doubles, or 4 k^2 from 11/6 times as many rows as columns on or
+ * the other way round, and 8 k integers.
+ * @par Accuracy
+ * Backward stable, with figures: docs/accuracy/linalg.md
+ * @par Equivalents
+ * - R: svd(a).
+ * - SciPy: scipy.linalg.svd(a, full_matrices=False).
+ * @par Example
+ * @code
+ *     double a[2] = {3, 4}, s[1], u[2], vt[1];
+ *     const MatrixDescriptor column = {0, 2, 2, 1}, one = {0, 1, 1, 1};
+ *     const int status = (int)ThinSVD(a, &column, s, u, &column, vt, &one);
+ *     printf("status %d, s = %.6g, u1 v1 = %.6g\n", status, s[0], u[0] * vt[0]);
+ * // prints: status 0, s = 5, u1 v1 = 0.6
+ * @endcode
+ * @par Source
+ * M. Gu, S. C. Eisenstat, A divide-and-conquer algorithm for the bidiagonal SVD, SIAM Journal on
+ * Matrix Analysis and Applications 16, 1995 (dgesdd).
  */
 ORVANTH_API(int32_t) ThinSVD(double* a, const MatrixDescriptor* aDescriptor, double* s, double* u,
                              const MatrixDescriptor* uDescriptor, double* vt,
                              const MatrixDescriptor* vtDescriptor);
 
 /**
- * All eigenvalues, and if wanted eigenvectors, of a symmetric matrix.
+ * All eigenvalues of a symmetric matrix, and its eigenvectors if they are wanted.
  *
- * @param[in,out] a        n by n, n being `columns`; only the lower triangle is read, and it is destroyed with
- *                         the diagonal. `rows` is not read
- * @param[in] aDescriptor  view of a, `offset` ignored
- * @param[out] w           n eigenvalues, ascending
- * @param[out] m           the number of eigenvalues found: n on success
- * @param[out] z           n by n, eigenvectors as columns; null for eigenvalues alone
- * @param[in] zDescriptor  only leadingDimension is read; it must be at least n even if z is null
- * @return INFO of dsyevr: 0; -4 columns, -6 leadingDimension of a; -15 leadingDimension of z; -6 also for an
- *         infinity or a NaN in the lower triangle; above 0 an internal failure of LAPACK.
+ * @par Formula
+ * @code{.unparsed}
+ * A Z = Z W, where Z is orthogonal and W is diagonal, w ascending.
+ * @endcode
+ * @param[in,out] a        n by n; only the lower triangle is read, and it is destroyed with the
+ * diagonal
+ * @param[in] aDescriptor  view of a, offset ignored: columns = n >= 0, leadingDimension >= max(1, n);
+ *                         rows is not read
+ * @param[out] w           n doubles, the eigenvalues, ascending
+ * @param[out] m           the number of eigenvalues found, n on success
+ * @param[out] z           n by n, the eigenvectors as columns; null for eigenvalues alone
+ * @param[in] zDescriptor  leadingDimension >= max(1, n), for a null z too; nothing else is read
+ * @return 0, the status of a rejected argument, or a positive status
+ * @par Edges
+ * n = 0: 0, and m = 0.
+ * z null: w and m are set all the same.
+ * An infinity, or a NaN where n < 3 or z is null: LAPACK's answer, which may be a positive status.
  * @par Failure
- * Status; a negative one leaves all matrices as they were. A rejected argument, unlike a matrix that is not
- * finite, leaves a block of 8 n bytes allocated.
+ * Status -4: columns. -6, -15: leadingDimension of a, z. -5: a NaN in the lower triangle where n >= 3
+ * and z is not null. -1010: no memory for the workspace. Below 0, nothing is written. Above 0: an
+ * internal failure of LAPACK. errno is left alone.
  * @par Threads
  * Reentrant: calls may overlap in time if they write to different arrays.
+ * @par Memory
+ * Workspace for the call: about 38 n doubles and 12 n integers. A rejected argument, deliberately,
+ * leaves a block of 8 n bytes allocated.
+ * @par Accuracy
+ * Backward stable, with figures: docs/accuracy/linalg.md
+ * @par Equivalents
+ * - R: eigen(a, symmetric = TRUE), which sorts descending.
+ * - SciPy: scipy.linalg.eigh(a, driver="evr").
+ * @par Example
+ * @code
+ *     // 2 on the diagonal and 1 beside it; the upper triangle is not read.
+ *     double a[4] = {2, 1, 0, 2}, w[2];
+ *     int32_t found;
+ *     const MatrixDescriptor view = {0, 2, 2, 2};
+ *     const int status = (int)EigenSymmetric(a, &view, w, &found, NULL, &view);
+ *     printf("status %d, %d eigenvalues: %.6g, %.6g\n", status, (int)found, w[0], w[1]);
+ * // prints: status 0, 2 eigenvalues: 1, 3
+ * @endcode
  * @par Source
- * LAPACK's relatively robust representations; I. S. Dhillon, B. N. Parlett, Linear Algebra Appl. 387 (2004) 1-28.
+ * I. S. Dhillon, B. N. Parlett, Multiple representations to compute orthogonal eigenvectors of
+ * symmetric tridiagonal matrices, Linear Algebra and its Applications 387, 2004 (dsyevr).
  */
 ORVANTH_API(int32_t) EigenSymmetric(double* a, const MatrixDescriptor* aDescriptor, double* w,
                                     int32_t* m, double* z, const MatrixDescriptor* zDescriptor);
 
 /**
- * Least squares, or for m < n the solution of smallest norm, of a system of full rank.
+ * Least squares, or the solution of smallest norm, for a matrix of full rank.
  *
- * @param[in,out] a        m by n; overwritten by its factorisation
- * @param[in] aDescriptor  view of a, `offset` honoured
- * @param[in,out] b        max(m, n) by k: m rows of right-hand sides, on return n rows of solutions. For m > n
- *                         the squares of the rows below add up to the residual sum of squares. `rows` is not read
- * @param[in] bDescriptor  view of b, `offset` honoured
- * @return INFO of dgels: 0; -2 rows, -3 columns of a, -4 columns of b, -6 and -8 the leading dimensions;
- *         -10 when min(m, n) + max(min(m, n), k) exceeds 10000; i > 0: the i-th diagonal element of the
- *         triangular factor is exactly zero.
+ * @par Formula
+ * @code{.unparsed}
+ * m >= n: the X that minimises the length of each column of B - A X. m < n: of all X with A X = B, the
+ * one whose columns are shortest.
+ * @endcode
+ * @param[in,out] a        m by n; overwritten by its QR or LQ factorisation
+ * @param[in] aDescriptor  view of a, offset honoured: rows = m >= 0, columns = n >= 0,
+ *                         leadingDimension >= max(1, m)
+ * @param[in,out] b        max(m, n) by k: m rows of right-hand sides; on return n rows of solutions.
+ *                         For m > n the squares of the rows below add up to the residual sum of
+ *                         squares
+ * @param[in] bDescriptor  view of b, offset honoured: columns = k >= 0, leadingDimension >=
+ *                         max(1, m, n); rows is not read
+ * @return 0, the status of a rejected argument, or a positive status
+ * @par Edges
+ * m, n or k = 0: 0. For m = 0 or n = 0 the max(m, n) rows of b become 0.
  * @par Failure
- * Status; a negative one changes nothing.
+ * Status -2: rows of a. -3: columns of a. -4: columns of b. -6, -8: leadingDimension of a, b. -10:
+ * min(m, n) + max(min(m, n), k) above 10000. Below 0, nothing is written. i > 0: diagonal element i of
+ * the triangular factor is exactly zero; a is factored. errno is left alone.
  * @par Threads
  * Not reentrant: works on storage of the whole process. Calls of
  * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
+ * @par Memory
+ * None; the shared workspace serves.
+ * @par Accuracy
+ * Backward stable, with figures: docs/accuracy/linalg.md
+ * @par Equivalents
+ * - R: lm.fit(a, b)$coefficients for m >= n.
+ * - SciPy: scipy.linalg.lapack.dgels(a, b)[1].
+ * @par Example
+ * @code
+ *     // The line through (0, 1), (1, 3), (2, 5).
+ *     double a[6] = {1, 1, 1, 0, 1, 2}, b[3] = {1, 3, 5};
+ *     const MatrixDescriptor design = {0, 3, 3, 2}, response = {0, 3, 3, 1};
+ *     const int status = (int)LS(a, &design, b, &response);
+ *     printf("status %d, %.6g + %.6g t\n", status, b[0], b[1]);
+ * // prints: status 0, 1 + 2 t
+ * @endcode
+ * @par Source
+ * E. Anderson and others, LAPACK Users' Guide, third edition, SIAM, 1999 (dgels).
  */
 ORVANTH_API(int32_t) LS(double* a, const MatrixDescriptor* aDescriptor, double* b,
                         const MatrixDescriptor* bDescriptor);
 
 /**
- * Least squares that stops at the first column collinear with the columns before it.
+ * Least squares that stops at the first column that is collinear with the columns before it.
  *
- * @param[in,out] a        m by n design; on INFO 0 R and the reflectors
- * @param[in] aDescriptor  view of a, `offset` honoured
- * @param[in,out] b        max(m, n) by k right-hand sides; on INFO 0 Q transposed times b. `rows` is not read
- * @param[in] bDescriptor  view of b, `offset` honoured
- * @param[out] x           n by k; on INFO 0 the coefficients of a single right-hand side, in the order of the
- *                         columns. Of several only the first column is a solution: solve for one at a time
- * @param[in] xDescriptor  view of x, `offset` honoured
- * @param[out] tau         min(m, n) factors of the reflectors
- * @param[in] tolerance    column i stops the call when the length of what the columns before it leave of it is
- *                         at most tolerance times its own length (a column of zeros has length 1 here). 0 stops
- *                         at an exact zero only, a negative one or a NaN never
- * @return 0; i > 0: column i, from one, is collinear with the columns before it: b and x are unchanged, a and
- *         tau partly factored. -1 rows, -2 columns of a, -3 columns of b, -5 and -7 the leading dimensions of a
- *         and b, -12 workspace, reported as DGELSY; -8 for more than 2499 columns, reported as DGEQP3. For
- *         m < n, -5 after a has been factored and x has been overwritten.
+ * @par Formula
+ * @code{.unparsed}
+ * A = Q R by Householder reflections in the order of the columns, and x = R^-1 times the first n rows
+ * of Q' b. Column i stops the call when tolerance times its own length is at least the length of the
+ * part of it that is orthogonal to columns 1 to i - 1. A column of zeros counts as of length 1 here.
+ * @endcode
+ * @param[in,out] a        m by n, m >= n; on status 0 the factors as from QR
+ * @param[in] aDescriptor  view of a, offset honoured: rows = m >= 0, columns = n from 0 to 2499,
+ *                         leadingDimension >= max(1, m)
+ * @param[in,out] b        max(m, n) by k right-hand sides; on status 0 Q' b
+ * @param[in] bDescriptor  view of b, offset honoured: columns = k >= 0, leadingDimension >=
+ *                         max(1, m, n); rows is not read
+ * @param[out] x           n by k; on status 0 the coefficients of a single right-hand side, in the
+ *                         order of the columns. Of several only the first column is a solution: solve
+ *                         for one at a time
+ * @param[in] xDescriptor  view of x, offset honoured: leadingDimension >= max(1, n); nothing else is
+ *                         read
+ * @param[out] tau         min(m, n) doubles, the factors of the reflectors
+ * @param[in] tolerance    any number, for example 1e-7
+ * @return 0, the number of the collinear column, or the status of a rejected argument
+ * @par Edges
+ * m, n or k = 0: 0, and nothing is read or written.
+ * tolerance = 0 stops only where nothing at all is left of a column. A negative tolerance and a NaN
+ * never stop the call.
+ * Of two equal columns the second is reported.
  * @par Failure
- * Status. std::bad_alloc if n integers cannot be allocated.
+ * Status i > 0: column i, from one, is collinear; b and x are unchanged. a and tau hold the first i -
+ * 1 columns factored, and the other columns have these reflections. -1: rows of a. -2: columns of a.
+ * -3: columns of b. -5, -7: leadingDimension of a, b. -12: the first check of the workspace; like
+ * those before it LAPACK prints it as DGELSY. -8: more than 2499 columns, printed as DGEQP3. -5 also
+ * for m < n, after a has been factored and x has been overwritten; otherwise, below 0, nothing is
+ * written. errno is left alone.
  * @par Threads
  * Not reentrant: works on storage of the whole process. Calls of
  * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
+ * @par Memory
+ * None; the shared workspace serves.
+ * @par Accuracy
+ * Backward stable; certified regressions and costs: docs/accuracy/linalg.md
+ * @par Equivalents
+ * - R: lm.fit(a, b, tol = tolerance), which moves collinear columns to the end and goes on.
+ * - SciPy: scipy.linalg.lstsq(a, b), without the stop.
+ * @par Example
+ * @code
+ *     // The line through (0, 1), (1, 3), (2, 5).
+ *     double a[6] = {1, 1, 1, 0, 1, 2}, b[3] = {1, 3, 5}, x[2], tau[2];
+ *     const MatrixDescriptor design = {0, 3, 3, 2}, column = {0, 3, 3, 1}, two = {0, 2, 2, 1};
+ *     const int solved = (int)OLS(a, &design, b, &column, x, &two, tau, 1e-7);
+ *     printf("status %d, %.6g + %.6g t\n", solved, x[0], x[1]);
+ *     // The second column is twice the first.
+ *     double c[6] = {1, 2, 3, 2, 4, 6};
+ *     const int stopped = (int)OLS(c, &design, b, &column, x, &two, tau, 1e-7);
+ *     printf("status %d\n", stopped);
+ * // prints: status 0, 1 + 2 t
+ * // prints: status 2
+ * @endcode
  * @par Source
- * Householder QR without pivoting; downdated column norms as in Z. Drmac, Z. Bujanovic, ACM Trans. Math.
- * Softw. 35 (2008) 12.
+ * Z. Drmac, Z. Bujanovic, On the failure of rank-revealing QR factorization software - a case study,
+ * ACM Transactions on Mathematical Software 35, 2008 (norms). R. Schreiber, C. Van Loan, A
+ * storage-efficient WY representation for products of Householder transformations, SIAM Journal on
+ * Scientific and Statistical Computing 10, 1989 (panels).
  */
 ORVANTH_API(int32_t) OLS(double* a, const MatrixDescriptor* aDescriptor, double* b,
                          const MatrixDescriptor* bDescriptor, double* x,
                          const MatrixDescriptor* xDescriptor, double* tau, double tolerance);
 
 /**
- * Solves a triangular system for several right-hand sides.
+ * Solves a triangular system for one or more right-hand sides.
  *
- * @param[in] a            n by n, n being `columns`; the other triangle and `rows` are not read
- * @param[in] aDescriptor  view of a, `offset` ignored
- * @param[in] upper        the whole word: 0 takes the lower triangle, anything else the upper
- * @param[in] transpose    the whole word: 0 solves with the triangle, anything else with its transpose
- * @param[in,out] b        n by k right-hand sides; on return the solutions. `rows` is not read
- * @param[in] bDescriptor  view of b, `offset` ignored
- * @return INFO of dtrtrs: 0; -4 columns of a, -5 columns of b, -7 and -9 the leading dimensions; i > 0: the
- *         i-th diagonal element is exactly zero.
+ * @par Formula
+ * @code{.unparsed}
+ * X = T^-1 B, or X = (T')^-1 B, where T is a triangle of A with its diagonal.
+ * @endcode
+ * @param[in] a            n by n; the other triangle is not read
+ * @param[in] aDescriptor  view of a, offset ignored: columns = n >= 0, leadingDimension >= max(1, n);
+ *                         rows is not read
+ * @param[in] upper        0 takes the lower triangle, any other value of the 32 bits the upper
+ * @param[in] transpose    0 solves with the triangle, any other value with its transpose
+ * @param[in,out] b        n by k right-hand sides; on return the solutions
+ * @param[in] bDescriptor  view of b, offset ignored: columns = k >= 0, leadingDimension >= max(1, n);
+ *                         rows is not read
+ * @return 0, the status of a rejected argument, or a positive status
+ * @par Edges
+ * n = 0: 0, and nothing is read or written. k = 0: the diagonal is tested all the same.
  * @par Failure
- * Status; any but 0 leaves b unchanged.
+ * Status -4: columns of a. -5: columns of b. -7, -9: leadingDimension of a, b. i > 0: diagonal element
+ * i is exactly zero. For any status but 0, b is unchanged. errno is left alone.
  * @par Threads
  * Reentrant: calls may overlap in time if they write to different arrays.
+ * @par Memory
+ * None.
+ * @par Accuracy
+ * Backward stable: docs/accuracy/linalg.md
+ * @par Equivalents
+ * - R: backsolve(a, b) and forwardsolve(a, b).
+ * - SciPy: scipy.linalg.solve_triangular(a, b).
+ * @par Example
+ * @code
+ *     // 2 x + y = 4 and 4 y = 8.
+ *     const double a[4] = {2, 0, 1, 4};
+ *     double b[2] = {4, 8};
+ *     const MatrixDescriptor square = {0, 2, 2, 2}, column = {0, 2, 2, 1};
+ *     const int status = (int)SolveTriangularSystem(a, &square, 1, 0, b, &column);
+ *     printf("status %d, x = %.6g, y = %.6g\n", status, b[0], b[1]);
+ * // prints: status 0, x = 1, y = 2
+ * @endcode
+ * @par Source
+ * E. Anderson and others, LAPACK Users' Guide, third edition, SIAM, 1999 (dtrtrs).
  */
 ORVANTH_API(int32_t) SolveTriangularSystem(const double* a, const MatrixDescriptor* aDescriptor,
                                            int32_t upper, int32_t transpose, double* b,
@@ -242,16 +525,40 @@ ORVANTH_API(int32_t) SolveTriangularSystem(const double* a, const MatrixDescript
 /**
  * The residual sum of squares of y - X b.
  *
+ * @par Formula
+ * @code{.unparsed}
+ * The sum over i of (y[i] - s[i])^2, where s[i] is the sum over j of b[j] x[i, j]. Both sums are
+ * formed one addition at a time in ascending order.
+ * @endcode
  * @param[in] x           m by n
- * @param[in] descriptor  view of x, `offset` ignored
- * @param[in] b           n coefficients
- * @param[in] y           m observations
- * @return the sum over rows, in their order, of (y[i] - sum over columns, in their order, of b[j] x[i, j])^2.
- *         m < 1: 0, and nothing is read. n = 0: the sum of squares of y.
+ * @param[in] descriptor  view of x, offset ignored: rows = m, columns = n, leadingDimension
+ * @param[in] b           n doubles, the coefficients
+ * @param[in] y           m doubles, the observations
+ * @return the sum
+ * @par Edges
+ * m < 1: 0, and nothing is read. n < 1: the sum of squares of y.
+ * Infinities and NaNs follow the rules of arithmetic.
  * @par Failure
- * None; infinities and NaNs go their way through the sums.
+ * None. errno is left alone.
  * @par Threads
  * Reentrant: calls may overlap in time.
+ * @par Memory
+ * None.
+ * @par Accuracy
+ * The bits of the sums in this order on every processor: docs/accuracy/linalg.md
+ * @par Equivalents
+ * - R: sum((y - x %*% b)^2).
+ * - SciPy: numpy.sum((y - x @ b)**2).
+ * @par Example
+ * @code
+ *     // Observations 1, 3, 6 beside the line 1 + 2 t at t = 0, 1, 2.
+ *     const double x[6] = {1, 1, 1, 0, 1, 2}, b[2] = {1, 2}, y[3] = {1, 3, 6};
+ *     const MatrixDescriptor design = {0, 3, 3, 2};
+ *     printf("%.6g\n", Xb(x, &design, b, y));
+ * // prints: 1
+ * @endcode
+ * @par Source
+ * The definition.
  */
 ORVANTH_API(double) Xb(const double* x, const MatrixDescriptor* descriptor, const double* b,
                        const double* y);

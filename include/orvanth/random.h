@@ -107,7 +107,7 @@ ORVANTH_API(int32_t) DeleteRandomStream(RandomStreamHandle stream);
  * @return always 0
  * @par Edges
  * count = 0: nothing is written, and the other arguments are not looked at.
- * The word 0 gives mean - 8.292361075813595 sigma, the largest word mean + 6.230261349 sigma.
+ * The word 0 gives mean - 8.292361075813595 sigma, the largest word mean + 6.230260138 sigma.
  * No other word gives a value beyond these two.
  * mean or sigma NaN: every variate is NaN.
  * sigma = infinity: every variate is infinite, or NaN where erfinv is 0.

@@ -82,7 +82,7 @@ ORVANTH_SHIELD_API(const char*) StatusWords(int32_t status);
 ORVANTH_SHIELD_API(double) SafeGamma(double x);
 ORVANTH_SHIELD_API(void) EachGamma(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                    EachReport* report);
-/** ln |Gamma(x)|; the sign is dropped. */
+/** The logarithm of the absolute value of the gamma function. */
 ORVANTH_SHIELD_API(double) SafeGammaLn(double x);
 ORVANTH_SHIELD_API(void) EachGammaLn(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                      EachReport* report);
@@ -90,11 +90,11 @@ ORVANTH_SHIELD_API(void) EachGammaLn(char* const* pointers, const intptr_t* dime
 ORVANTH_SHIELD_API(double) SafeGammaRegularized(double a, double x);
 ORVANTH_SHIELD_API(void) EachGammaRegularized(char* const* pointers, const intptr_t* dimensions,
                                               const intptr_t* steps, EachReport* report);
-/** The upper regularized incomplete gamma function Q(a, x) = 1 - P(a, x), precise where it is small. */
+/** The upper regularized incomplete gamma function Q(a, x), with its own digits where it is small. */
 ORVANTH_SHIELD_API(double) SafeGammaRegularizedC(double a, double x);
 ORVANTH_SHIELD_API(void) EachGammaRegularizedC(char* const* pointers, const intptr_t* dimensions,
                                                const intptr_t* steps, EachReport* report);
-/** The derivative of P(a, x) by x. */
+/** The derivative of P(a, x) by x, which is the density of the gamma distribution of scale 1. */
 ORVANTH_SHIELD_API(double) SafeGammaDerivative(double a, double x);
 ORVANTH_SHIELD_API(void) EachGammaDerivative(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                              EachReport* report);
@@ -106,11 +106,11 @@ ORVANTH_SHIELD_API(void) EachIncompleteGammaLower(char* const* pointers, const i
 ORVANTH_SHIELD_API(double) SafeIncompleteGammaUpper(double a, double x);
 ORVANTH_SHIELD_API(void) EachIncompleteGammaUpper(char* const* pointers, const intptr_t* dimensions,
                                                   const intptr_t* steps, EachReport* report);
-/** The x with P(a, x) = p. */
+/** The inverse of GammaRegularized by x. */
 ORVANTH_SHIELD_API(double) SafeInverseGammaRegularized(double a, double p);
 ORVANTH_SHIELD_API(void) EachInverseGammaRegularized(char* const* pointers, const intptr_t* dimensions,
                                                      const intptr_t* steps, EachReport* report);
-/** The x with Q(a, x) = q. */
+/** The inverse of GammaRegularizedC by x. */
 ORVANTH_SHIELD_API(double) SafeInverseGammaRegularizedC(double a, double q);
 ORVANTH_SHIELD_API(void) EachInverseGammaRegularizedC(char* const* pointers, const intptr_t* dimensions,
                                                       const intptr_t* steps, EachReport* report);
@@ -122,49 +122,49 @@ ORVANTH_SHIELD_API(void) EachBeta(char* const* pointers, const intptr_t* dimensi
 ORVANTH_SHIELD_API(double) SafeBetaRegularized(double a, double b, double x);
 ORVANTH_SHIELD_API(void) EachBetaRegularized(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                              EachReport* report);
-/** The complement 1 - I_x(a, b), precise where it is small. */
+/** The complement of the regularized incomplete beta function, with its own digits where it is small. */
 ORVANTH_SHIELD_API(double) SafeBetaRegularizedC(double a, double b, double x);
 ORVANTH_SHIELD_API(void) EachBetaRegularizedC(char* const* pointers, const intptr_t* dimensions,
                                               const intptr_t* steps, EachReport* report);
-/** The derivative of I_x(a, b) by x: the density of the beta distribution. */
+/** The derivative of I_x(a, b) by x, which is the density of the beta distribution. */
 ORVANTH_SHIELD_API(double) SafeBetaDerivative(double a, double b, double x);
 ORVANTH_SHIELD_API(void) EachBetaDerivative(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                             EachReport* report);
-/** The x with I_x(a, b) = p. */
+/** The inverse of BetaRegularized by x. */
 ORVANTH_SHIELD_API(double) SafeInverseBetaRegularized(double a, double b, double p);
 ORVANTH_SHIELD_API(void) EachInverseBetaRegularized(char* const* pointers, const intptr_t* dimensions,
                                                     const intptr_t* steps, EachReport* report);
-/** The x with I_x(a, b) = p, and 1 - x with its own digits. */
+/** The inverse of BetaRegularized by x, with 1 - x beside x. */
 ORVANTH_SHIELD_API(void) SafeInverseBetaRegularized2(double a, double b, double p, double* result,
                                                      double* complement);
 ORVANTH_SHIELD_API(void) EachInverseBetaRegularized2(char* const* pointers, const intptr_t* dimensions,
                                                      const intptr_t* steps, EachReport* report);
-/** The x with 1 - I_x(a, b) = q. */
+/** The inverse of BetaRegularizedC by x. */
 ORVANTH_SHIELD_API(double) SafeInverseBetaRegularizedC(double a, double b, double q);
 ORVANTH_SHIELD_API(void) EachInverseBetaRegularizedC(char* const* pointers, const intptr_t* dimensions,
                                                      const intptr_t* steps, EachReport* report);
-/** The x with 1 - I_x(a, b) = q, and 1 - x with its own digits. */
+/** The inverse of BetaRegularizedC by x, with 1 - x beside x. */
 ORVANTH_SHIELD_API(void) SafeInverseBetaRegularizedC2(double a, double b, double q, double* result,
                                                       double* complement);
 ORVANTH_SHIELD_API(void) EachInverseBetaRegularizedC2(char* const* pointers, const intptr_t* dimensions,
                                                       const intptr_t* steps, EachReport* report);
-/** The error function erf(x) = 2/sqrt(pi) * integral of exp(-t*t) for t from 0 to x. */
+/** The error function. */
 ORVANTH_SHIELD_API(double) SafeErf(double x);
 ORVANTH_SHIELD_API(void) EachErf(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                  EachReport* report);
-/** The complement erfc(x) = 1 - erf(x), with full relative precision in the upper tail. */
+/** The complement of the error function, with its own digits in the upper tail. */
 ORVANTH_SHIELD_API(double) SafeErfC(double x);
 ORVANTH_SHIELD_API(void) EachErfC(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                   EachReport* report);
-/** The x with erf(x) = p. */
+/** The inverse of the error function. */
 ORVANTH_SHIELD_API(double) SafeInverseErf(double p);
 ORVANTH_SHIELD_API(void) EachInverseErf(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                         EachReport* report);
-/** The x with erfc(x) = z, precise also for tiny z. */
+/** The inverse of the complement of the error function, for a small z too. */
 ORVANTH_SHIELD_API(double) SafeInverseErfC(double z);
 ORVANTH_SHIELD_API(void) EachInverseErfC(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                          EachReport* report);
-/** ln(1 + x) without loss of digits at small x. */
+/** The logarithm of 1 + x, without loss of digits at a small x. */
 ORVANTH_SHIELD_API(double) SafeLogXplus1(double x);
 ORVANTH_SHIELD_API(void) EachLogXplus1(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                        EachReport* report);
@@ -194,27 +194,27 @@ ORVANTH_SHIELD_API(void) EachChiSquaredCDF(char* const* pointers, const intptr_t
 ORVANTH_SHIELD_API(double) SafeChiSquaredICDF(double p, double df, TailFlag tail);
 ORVANTH_SHIELD_API(void) EachChiSquaredICDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                             EachReport* report);
-/** Density of the Fisher's F distribution. */
+/** Density of Fisher's F distribution. */
 ORVANTH_SHIELD_API(double) SafeFisherFPDF(double x, double df1, double df2);
 ORVANTH_SHIELD_API(void) EachFisherFPDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                         EachReport* report);
-/** Cumulative probability of the Fisher's F distribution. */
+/** Cumulative probability of Fisher's F distribution. */
 ORVANTH_SHIELD_API(double) SafeFisherFCDF(double x, double df1, double df2, TailFlag tail);
 ORVANTH_SHIELD_API(void) EachFisherFCDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                         EachReport* report);
-/** Quantile of the Fisher's F distribution. */
+/** Quantile of Fisher's F distribution. */
 ORVANTH_SHIELD_API(double) SafeFisherFICDF(double p, double df1, double df2, TailFlag tail);
 ORVANTH_SHIELD_API(void) EachFisherFICDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                          EachReport* report);
-/** Density of the gamma distribution, by scale and not by rate. */
+/** Density of the gamma distribution. */
 ORVANTH_SHIELD_API(double) SafeGammaPDF(double x, double shape, double scale);
 ORVANTH_SHIELD_API(void) EachGammaPDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                       EachReport* report);
-/** Cumulative probability of the gamma distribution, by scale and not by rate. */
+/** Cumulative probability of the gamma distribution. */
 ORVANTH_SHIELD_API(double) SafeGammaCDF(double x, double shape, double scale, TailFlag tail);
 ORVANTH_SHIELD_API(void) EachGammaCDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                       EachReport* report);
-/** Quantile of the gamma distribution, by scale and not by rate. */
+/** Quantile of the gamma distribution. */
 ORVANTH_SHIELD_API(double) SafeGammaICDF(double p, double shape, double scale, TailFlag tail);
 ORVANTH_SHIELD_API(void) EachGammaICDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                        EachReport* report);
@@ -230,15 +230,15 @@ ORVANTH_SHIELD_API(void) EachNormalCDF(char* const* pointers, const intptr_t* di
 ORVANTH_SHIELD_API(double) SafeNormalICDF(double p, double mean, double sd, TailFlag tail);
 ORVANTH_SHIELD_API(void) EachNormalICDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                         EachReport* report);
-/** Density of the Student's t distribution. */
+/** Density of Student's t distribution. */
 ORVANTH_SHIELD_API(double) SafeStudentTPDF(double x, double df);
 ORVANTH_SHIELD_API(void) EachStudentTPDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                          EachReport* report);
-/** Cumulative probability of the Student's t distribution. */
+/** Cumulative probability of Student's t distribution. */
 ORVANTH_SHIELD_API(double) SafeStudentTCDF(double x, double df, TailFlag tail);
 ORVANTH_SHIELD_API(void) EachStudentTCDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                          EachReport* report);
-/** Quantile of the Student's t distribution. */
+/** Quantile of Student's t distribution. */
 ORVANTH_SHIELD_API(double) SafeStudentTICDF(double p, double df, TailFlag tail);
 ORVANTH_SHIELD_API(void) EachStudentTICDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                           EachReport* report);
@@ -254,7 +254,7 @@ ORVANTH_SHIELD_API(void) EachBinomialCDF(char* const* pointers, const intptr_t* 
 ORVANTH_SHIELD_API(double) SafeBinomialICDF(double probability, double n, double p, TailFlag tail, int32_t roundUp);
 ORVANTH_SHIELD_API(void) EachBinomialICDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                           EachReport* report);
-/** One-sided exact bound on the success fraction (Clopper-Pearson). */
+/** One-sided exact bound on the success fraction of a binomial distribution. */
 ORVANTH_SHIELD_API(double) SafeBinomialPS(double alpha, double successes, double trials, int32_t boundSelector);
 ORVANTH_SHIELD_API(void) EachBinomialPS(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                         EachReport* report);
@@ -325,34 +325,34 @@ ORVANTH_SHIELD_API(void) EachFNCHypergeometricMoments(char* const* pointers, con
                                                       const intptr_t* steps, EachReport* report);
 
 /* linalg */
-/** Householder QR factorisation of an m by n matrix. */
+/** Householder QR factorisation of a matrix. */
 ORVANTH_SHIELD_API(int32_t) SafeQR(double* a, const MatrixDescriptor* descriptor, double* tau);
-/** QR factorisation with column pivoting. */
+/** Householder QR factorisation with column pivoting. */
 ORVANTH_SHIELD_API(int32_t) SafeQRP(double* a, const MatrixDescriptor* descriptor, double* tau, int32_t* jpvt);
-/** Forms the thin Q of a factorisation by QR or QRP, in its place. */
+/** Forms the first n columns of Q, from the factors of QR or QRP. */
 ORVANTH_SHIELD_API(int32_t) SafeQR_Q(double* a, const MatrixDescriptor* descriptor, const double* tau);
-/** Multiplies a matrix by Q or its transpose, from the factors of QR or QRP. */
+/** Multiplies a matrix by Q or by its transpose, from the factors of QR or QRP. */
 ORVANTH_SHIELD_API(int32_t) SafeQR_Qy(double* a, const MatrixDescriptor* aDescriptor, int32_t transpose,
                                       const double* tau, double* c, const MatrixDescriptor* cDescriptor);
-/** Singular value decomposition with all singular vectors, in the shared workspace. */
+/** Singular value decomposition with all singular vectors, for small matrices. */
 ORVANTH_SHIELD_API(int32_t) SafeFullSVD(double* a, const MatrixDescriptor* aDescriptor, double* s, double* u,
                                         const MatrixDescriptor* uDescriptor, double* vt,
                                         const MatrixDescriptor* vtDescriptor);
-/** Singular value decomposition with the first min(m, n) singular vectors, of any size. */
+/** Singular value decomposition with the first min(m, n) singular vectors. */
 ORVANTH_SHIELD_API(int32_t) SafeThinSVD(double* a, const MatrixDescriptor* aDescriptor, double* s, double* u,
                                         const MatrixDescriptor* uDescriptor, double* vt,
                                         const MatrixDescriptor* vtDescriptor);
-/** All eigenvalues, and if wanted eigenvectors, of a symmetric matrix. */
+/** All eigenvalues of a symmetric matrix, and its eigenvectors if they are wanted. */
 ORVANTH_SHIELD_API(int32_t) SafeEigenSymmetric(double* a, const MatrixDescriptor* aDescriptor, double* w, int32_t* m,
                                                double* z, const MatrixDescriptor* zDescriptor);
-/** Least squares, or for m < n the solution of smallest norm, of a system of full rank. */
+/** Least squares, or the solution of smallest norm, for a matrix of full rank. */
 ORVANTH_SHIELD_API(int32_t) SafeLS(double* a, const MatrixDescriptor* aDescriptor, double* b,
                                    const MatrixDescriptor* bDescriptor);
-/** Least squares that stops at the first column collinear with the columns before it. */
+/** Least squares that stops at the first column that is collinear with the columns before it. */
 ORVANTH_SHIELD_API(int32_t) SafeOLS(double* a, const MatrixDescriptor* aDescriptor, double* b,
                                     const MatrixDescriptor* bDescriptor, double* x,
                                     const MatrixDescriptor* xDescriptor, double* tau, double tolerance);
-/** Solves a triangular system for several right-hand sides. */
+/** Solves a triangular system for one or more right-hand sides. */
 ORVANTH_SHIELD_API(int32_t) SafeSolveTriangularSystem(const double* a, const MatrixDescriptor* aDescriptor,
                                                       int32_t upper, int32_t transpose, double* b,
                                                       const MatrixDescriptor* bDescriptor);

@@ -53,7 +53,7 @@ bool AnyBelow(const double* first, const double* last, double limit) {
 
 }  // namespace
 
-void CalcFloorCeil(std::int32_t n, double t, double* A, double* Atflo, double* Atcei) {
+void CalcFloorCeil(std::int32_t n, double t, double* A, double* atflo, double* atcei) {
     const std::int32_t ell = static_cast<std::int32_t>(t);
     double z = t - ell;
     const double w = std::ceil(t) - t;
@@ -66,10 +66,10 @@ void CalcFloorCeil(std::int32_t n, double t, double* A, double* Atflo, double* A
     const Offsets odd = z > 0.5 ? Offsets{-ell - 1, ell + 1} : z > 0.0 ? Offsets{-ell - 1, ell} : Offsets{-ell, ell};
     for (std::int32_t i = 1; i <= 2 * n + 2; ++i) {
         const Offsets& offsets = i % 2 == 0 ? even : odd;
-        Atflo[i] = i / 2 + offsets.floor;
-        Atcei[i] = i / 2 + offsets.ceiling;
+        atflo[i] = i / 2 + offsets.floor;
+        atcei[i] = i / 2 + offsets.ceiling;
     }
-    if (z > 0.0 && z <= 0.5) Atcei[1] = ell + 1;
+    if (z > 0.0 && z <= 0.5) atcei[1] = ell + 1;
     if (z > w) z = w;
     A[0] = A[1] = 0.0;
     A[2] = z;
@@ -86,15 +86,15 @@ double Pomeranz(std::int32_t n, double x) {
     const std::size_t points = 2 * static_cast<std::size_t>(n) + 3;
     const std::size_t width = static_cast<std::size_t>(n + 2 + kBlock);
     const std::size_t stepWidth = static_cast<std::size_t>(reach + 1 + 2 * kBlock);
-    // One block of zeros: A, Atflo, Atcei, two rows of V, and four rows of steps between zeros.
+    // One block of zeros: A, atflo, atcei, two rows of V, and four rows of steps between zeros.
     std::vector<double> block(3 * points + 2 * width + 4 * stepWidth);
     double* const A = block.data();
-    double* const Atflo = A + points;
-    double* const Atcei = Atflo + points;
-    double* before = Atcei + points;
+    double* const atflo = A + points;
+    double* const atcei = atflo + points;
+    double* before = atcei + points;
     double* next = before + width;
     double* const steps = next + width + kBlock;
-    CalcFloorCeil(n, t, A, Atflo, Atcei);
+    CalcFloorCeil(n, t, A, atflo, atcei);
 
     // Neighbouring boundary points are one of three lengths q apart, or coincide. Row r holds q^j / j!.
     const double lengths[3] = {(2.0 * A[2]) / n, (1.0 - 2.0 * A[2]) / n, A[2] / n};
@@ -107,10 +107,10 @@ double Pomeranz(std::int32_t n, double x) {
     next[1] = scale;
     std::int32_t scalings = 1;
     for (std::size_t i = 2; i < points; ++i) {
-        const std::int32_t jlow = std::max(static_cast<std::int32_t>(2.0 + Atflo[i]), 1);
-        const std::int32_t jup = std::min(static_cast<std::int32_t>(Atcei[i]), n + 1);
-        const std::int32_t klow = std::max(static_cast<std::int32_t>(2.0 + Atflo[i - 1]), 1);
-        const std::int32_t kup = std::min(static_cast<std::int32_t>(Atcei[i - 1]), n + 1);
+        const std::int32_t jlow = std::max(static_cast<std::int32_t>(2.0 + atflo[i]), 1);
+        const std::int32_t jup = std::min(static_cast<std::int32_t>(atcei[i]), n + 1);
+        const std::int32_t klow = std::max(static_cast<std::int32_t>(2.0 + atflo[i - 1]), 1);
+        const std::int32_t kup = std::min(static_cast<std::int32_t>(atcei[i - 1]), n + 1);
         const double w = (A[i] - A[i - 1]) / n;
         std::size_t r = 0;
         while (r < 3 && !(std::fabs(w - row[r][1]) <= kStepTolerance)) ++r;

@@ -5,6 +5,7 @@
 
 #include "linalg/collinearity_qr_step.hpp"
 #include "linalg/lapack.hpp"
+#include "linalg/tall_qr.hpp"
 
 namespace orvanth {
 namespace {
@@ -24,6 +25,8 @@ std::int32_t CollinearityQR(const MatrixView& a, double* tau, double tolerance, 
     if (a.leadingDimension < std::max(1, m)) return Rejected("DGEQP3", 4);
     if (workspace.length < (mn == 0 ? 1 : mn + 3 * std::int64_t{n} + 1)) return Rejected("DGEQP3", 8);
     if (mn == 0) return 0;
+
+    if (IsTall(a) && FactorTall(a, tau, tolerance)) return 0;
 
     const PartialNorms norms{workspace.first, workspace.first + n, workspace.first + 2 * std::ptrdiff_t{n}};
     for (std::int32_t j = 0; j < n; ++j) {

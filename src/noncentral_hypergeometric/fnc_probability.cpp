@@ -1,5 +1,6 @@
 #include "noncentral_hypergeometric/fnc_probability.hpp"
 
+#include <algorithm>
 #include <cmath>
 
 #include "frame/load_state.hpp"
@@ -28,6 +29,8 @@ double CentralProbability(const FNCRecord& r, std::int32_t x) {
 
 }  // namespace
 
+std::int32_t FNCCentre(const FNCRecord& record) { return std::max(FNCTruncate(FNCMean(record)), record.xmin); }
+
 FNCLogTerm::FNCLogTerm(const FNCRecord& record)
     : record_(record),
       m2_(FNCDifference(record.N, record.m)),
@@ -53,8 +56,7 @@ double FNCLogTerm::operator()(std::int32_t x) {
 
 FNCProbability::Normalisation FNCProbability::Normalise() {
     const double limit = Limit(record_);
-    std::int32_t x0 = FNCTruncate(FNCMean(record_));
-    if (x0 < record_.xmin) x0 = record_.xmin;  // required: not held at xmax
+    const std::int32_t x0 = FNCCentre(record_);
     const double scale = logTerm_(x0);
     double sum = 1.0;
     // A term below the limit is still added, and then ends its direction.

@@ -24,6 +24,9 @@ private:
     std::optional<std::int32_t> xLast_{};  // none before the first call
 };
 
+// Where the sum of the terms starts: the truncated mean, or xmin if that is higher. Required: not held below xmax.
+std::int32_t FNCCentre(const FNCRecord& record);
+
 // P(x), 0 outside the support. The terms are summed once, at the first x that needs their sum.
 class FNCProbability {
 public:

@@ -7,15 +7,16 @@
 
 namespace orvanth {
 
-FNCRecord::FNCRecord(std::int32_t n_, std::int32_t m_, std::int32_t N_, double odds_, double accuracy_)
-    : odds(odds_),
-      logOdds(std::log(odds_)),
-      accuracy(accuracy_),
-      n(n_),
-      m(m_),
-      N(N_),
-      xmin(std::max(FNCDifference(FNCSum(n_, m_), N_), 0)),
-      xmax(std::min(n_, m_)) {}
+FNCRecord::FNCRecord(std::int32_t sampleSize, std::int32_t marked, std::int32_t population, double oddsRatio,
+                     double leftOut)
+    : odds(oddsRatio),
+      logOdds(std::log(oddsRatio)),
+      accuracy(leftOut),
+      n(sampleSize),
+      m(marked),
+      N(population),
+      xmin(std::max(FNCDifference(FNCSum(sampleSize, marked), population), 0)),
+      xmax(std::min(sampleSize, marked)) {}
 
 bool FNCHasCentralEstimates(const FNCRecord& r) {
     // With a = odds - 1 the estimates divide a cancelled difference of size N eps by a, so they are wrong by about

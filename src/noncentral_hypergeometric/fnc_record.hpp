@@ -10,14 +10,15 @@ namespace orvanth {
 
 // The parameters of one evaluation, never changed.
 struct FNCRecord {
-    FNCRecord(std::int32_t n, std::int32_t m, std::int32_t N, double odds, double accuracy);
+    FNCRecord(std::int32_t sampleSize, std::int32_t marked, std::int32_t population, double oddsRatio,
+              double leftOut);
 
     const double odds;
     const double logOdds;
-    const double accuracy;
-    const std::int32_t n;
-    const std::int32_t m;
-    const std::int32_t N;
+    const double accuracy;    // what sums and tables may leave out
+    const std::int32_t n;     // sample size
+    const std::int32_t m;     // marked items
+    const std::int32_t N;     // population size
     const std::int32_t xmin;  // the support, for consistent counts
     const std::int32_t xmax;
 };

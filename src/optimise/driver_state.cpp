@@ -4,7 +4,8 @@
 #include <limits>
 #include <new>
 
-// gfortran appends the lengths of the character arguments.
+// gfortran appends an underscore to the name, and the lengths of the character arguments.
+// NOLINTNEXTLINE(readability-identifier-naming)
 extern "C" void setulb_(const std::int32_t* n, const std::int32_t* m, double* x, const double* l, const double* u,
                         const std::int32_t* nbd, double* f, double* g, const double* factr, const double* pgtol,
                         double* wa, std::int32_t* iwa, char* task, const std::int32_t* iprint, char* csave,

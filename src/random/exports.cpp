@@ -15,6 +15,8 @@ using namespace orvanth;
 
 namespace {
 
+// A handle is an address, as an integer of pointer width.
+// NOLINTNEXTLINE(performance-no-int-to-ptr)
 RandomStream* FromHandle(RandomStreamHandle handle) { return reinterpret_cast<RandomStream*>(handle); }
 
 std::int32_t Reject(const char* routine, std::int32_t parameter, std::int32_t status) {

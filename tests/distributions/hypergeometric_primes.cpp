@@ -44,9 +44,11 @@ std::vector<std::pair<std::int32_t, int>> PrimeFactors(std::int64_t x, const Hyp
     return factors;
 }
 
-// 113 bits leave room for the roundings of some ten thousand products.
+// 160 bits leave room for the roundings of some ten thousand products.
 double ProbabilityByPrimes(std::int64_t x, const HypergeometricCounts& counts) {
-    using Wide = boost::multiprecision::cpp_bin_float_quad;
+    using Wide =
+        boost::multiprecision::number<boost::multiprecision::cpp_bin_float<160, boost::multiprecision::digit_base_2>,
+                                      boost::multiprecision::et_off>;
     Wide above = 1;
     Wide below = 1;
     for (const auto& [prime, power] : PrimeFactors(x, counts)) {

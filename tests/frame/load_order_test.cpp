@@ -13,7 +13,7 @@ namespace {
 
 struct Allocation {
     std::size_t size;
-    std::uint64_t invalidValue;  // bits of FncInvalidValue at that moment
+    std::uint64_t invalidValue;  // bits of FNCInvalidValue at that moment
     bool workMade;               // whether LapackWork is set already
 };
 
@@ -23,7 +23,7 @@ std::size_t count = 0;
 
 void* Allocate(std::size_t size) {
     if (count < std::size(firstAllocations))
-        firstAllocations[count++] = {size, std::bit_cast<std::uint64_t>(orvanth::FncInvalidValue),
+        firstAllocations[count++] = {size, std::bit_cast<std::uint64_t>(orvanth::FNCInvalidValue),
                                      orvanth::LapackWork != nullptr};
     if (void* block = std::malloc(size > 0 ? size : 1)) return block;
     throw std::bad_alloc();

@@ -108,4 +108,5 @@ def main(compiler, include, library):
     sys.exit("\n".join(wrong) if wrong else 0)
 
 
-main(*sys.argv[1:])
+if __name__ == "__main__":
+    main(*sys.argv[1:])

@@ -322,13 +322,16 @@ TEST(FNCMean, TakesTheEstimateOfOddsOneBelowADistanceThatGrowsWithThePopulation)
     }
 }
 
-TEST(FNCHypergeometricMoments, AnEstimateOfTheMeanAboveTheSupportIsNotMovedIntoIt) {
-    // Counts that no population has. The approximate mean is 1500000001, one more than min(n, m), and no term in the
-    // support counts against the one there.
-    ASSERT_EQ(FNCMean(FNCRecord(1500000000, 1500000000, 2, 2, 1e-8)), 1500000001);
-    double mean = 0, variance = 0;
-    FNCHypergeometricMoments(1500000000, 1500000000, 2, 2, &mean, &variance);
-    EXPECT_TRUE(std::isnan(mean));
+TEST(FNCCentre, IsRaisedToTheLowerEndOfTheSupportButNotLoweredToTheUpper) {
+    // Only counts that no population has lead above the support.
+    const FNCRecord above(1200000000, 1200000000, 2, 2, 1e-8);
+    ASSERT_EQ(FNCMean(above), 1200000001);
+    ASSERT_EQ(above.xmax, 1200000000);
+    EXPECT_EQ(FNCCentre(above), 1200000001);
+    const FNCRecord noNumber(5, 6, 8, kNaN, 1e-8);
+    EXPECT_EQ(noNumber.xmin, 3);
+    EXPECT_EQ(FNCCentre(noNumber), 3) << "a NaN truncates to the most negative integer";
+    EXPECT_EQ(FNCCentre(FNCRecord(50, 40, 100, 1, 1e-8)), 20);
 }
 
 TEST(FNCVariance, IsZeroAtTheEnds) {
@@ -380,20 +383,91 @@ TEST(FNCHypergeometricICDF, InvertsTheDistribution) {
 }
 
 TEST(FNCHypergeometric, TheTailFlagStandsBeforeTheAccuracyAndItsLowByteCounts) {
-    const double lower = FNCHypergeometricCDF(5, 10, 12, 30, 2, 0, 1e-8);
-    const double upper = FNCHypergeometricCDF(5, 10, 12, 30, 2, 1, 1e-8);
-    EXPECT_NEAR(lower + upper, 1, 1e-15);
     const double low = FNCHypergeometricICDF(0.1, 10, 12, 30, 2, 0, 1e-8);
     const double high = FNCHypergeometricICDF(0.1, 10, 12, 30, 2, 1, 1e-8);
     ASSERT_NE(low, high);
-    for (TailFlag clear : {0x100, 0x10000, static_cast<TailFlag>(0xFFFFFF00)}) {
-        EXPECT_EQ(FNCHypergeometricCDF(5, 10, 12, 30, 2, clear, 1e-8), lower) << clear;
-        EXPECT_EQ(FNCHypergeometricICDF(0.1, 10, 12, 30, 2, clear, 1e-8), low) << clear;
+    for (std::int32_t x : {4, 8}) {  // below and above the mean
+        const double lower = FNCHypergeometricCDF(x, 10, 12, 30, 2, 0, 1e-8);
+        const double upper = FNCHypergeometricCDF(x, 10, 12, 30, 2, 1, 1e-8);
+        EXPECT_NEAR(lower + upper, 1, 1e-15);
+        ASSERT_NE(lower, upper);
+        for (TailFlag clear : {0x100, 0x10000, static_cast<TailFlag>(0xFFFFFF00)}) {
+            EXPECT_EQ(FNCHypergeometricCDF(x, 10, 12, 30, 2, clear, 1e-8), lower) << clear;
+            EXPECT_EQ(FNCHypergeometricICDF(0.1, 10, 12, 30, 2, clear, 1e-8), low) << clear;
+        }
+        for (TailFlag set : {0x101, 0x80, 2}) {
+            EXPECT_EQ(FNCHypergeometricCDF(x, 10, 12, 30, 2, set, 1e-8), upper) << set;
+            EXPECT_EQ(FNCHypergeometricICDF(0.1, 10, 12, 30, 2, set, 1e-8), high) << set;
+        }
     }
-    for (TailFlag set : {0x101, 0x80, 2}) {
-        EXPECT_EQ(FNCHypergeometricCDF(5, 10, 12, 30, 2, set, 1e-8), upper) << set;
-        EXPECT_EQ(FNCHypergeometricICDF(0.1, 10, 12, 30, 2, set, 1e-8), high) << set;
+}
+
+TEST(FNCHypergeometric, TheTableEndsAtAThousandthOfTheAccuracy) {
+    for (double accuracy : {1e-2, 1e-3, 1e-4, 1e-5, 1e-6}) {
+        const FNCRecord record(90, 60, 200, 1.3, accuracy);
+        std::vector<double> storage(static_cast<std::size_t>(FNCTableLength(record).value()));
+        const FNCTable table = FNCMakeTable(record, accuracy * 0.001, storage);
+        ASSERT_GT(table.xfirst, 0) << accuracy;
+        EXPECT_EQ(FNCHypergeometricICDF(0, 90, 60, 200, 1.3, 0, accuracy), table.xfirst) << accuracy;
+        EXPECT_EQ(FNCHypergeometricICDF(2, 90, 60, 200, 1.3, 0, accuracy), table.xlast) << accuracy;
+        EXPECT_GT(FNCHypergeometricCDF(table.xfirst, 90, 60, 200, 1.3, 0, accuracy), 0) << accuracy;
+        EXPECT_EQ(FNCHypergeometricCDF(table.xfirst - 1, 90, 60, 200, 1.3, 0, accuracy), 0) << accuracy;
+        EXPECT_GT(FNCHypergeometricCDF(table.xlast - 1, 90, 60, 200, 1.3, 1, accuracy), 0) << accuracy;
+        EXPECT_EQ(FNCHypergeometricCDF(table.xlast, 90, 60, 200, 1.3, 1, accuracy), 0) << accuracy;
     }
+}
+
+TEST(FNCProbability, TheSumEndsBehindTheFirstTermBelowATenthOfTheAccuracy) {
+    for (double accuracy : {0.5, 0.05, 0.005, 5e-4, 5e-5, 5e-6}) {
+        const FNCRecord record(90, 60, 200, 1.3, accuracy);
+        FNCLogTerm term(record);
+        const std::int32_t center = FNCCentre(record);
+        const double scale = term(center);
+        double sum = 1;
+        for (std::int32_t step : {-1, 1})
+            for (std::int32_t x = center + step;; x += step) {
+                const double f = std::exp(term(x) - scale);
+                sum += f;
+                if (accuracy * 0.1 > f) break;
+            }
+        EXPECT_EQ(FNCProbability(record)(center), 1 / sum) << accuracy;
+    }
+}
+
+TEST(FNCExactMoments, TheSumEndsBehindTheFirstProbabilityBelowATenthOfTheAccuracy) {
+    for (double accuracy : {0.5, 0.05, 0.005, 5e-4, 5e-5, 5e-6}) {
+        const FNCRecord record(90, 60, 200, 1.3, accuracy);
+        FNCProbability probability(record);
+        const std::int32_t center = FNCCentre(record);
+        double s0 = 0, s1 = 0, s2 = 0;
+        for (std::int32_t step : {1, -1})
+            for (std::int32_t x = step > 0 ? center : center - 1;; x += step) {
+                const double f = probability(x);
+                s0 += f;
+                s1 += (x - center) * f;
+                s2 += (x - center) * (x - center) * f;
+                if (accuracy * 0.1 > f && x != center) break;
+            }
+        EXPECT_EQ(FNCExactMoments(record).mean, center + s1 / s0) << accuracy;
+        EXPECT_EQ(FNCExactMoments(record).variance, s2 / s0 - (s1 / s0) * (s1 / s0)) << accuracy;
+    }
+}
+
+TEST(FNCExactMoments, ATermBelowTheLimitAtTheCentreDoesNotEndTheWalk) {
+    // All terms are below a tenth of this accuracy, so each walk takes one step beyond the centre.
+    const FNCRecord record(90, 60, 200, 1.3, 100);
+    FNCProbability probability(record);
+    const std::int32_t center = FNCCentre(record);
+    const double below = probability(center - 1), at = probability(center), above = probability(center + 1);
+    EXPECT_NEAR(FNCExactMoments(record).mean, center + (above - below) / (below + at + above), 1e-12);
+}
+
+TEST(FNCHypergeometricMoments, HaveAnAccuracyOfTenToTheMinusEight) {
+    double mean = 0, variance = 0;
+    FNCHypergeometricMoments(900, 600, 2000, 1.3, &mean, &variance);
+    EXPECT_EQ(mean, FNCExactMoments(FNCRecord(900, 600, 2000, 1.3, 1e-8)).mean);
+    EXPECT_NE(mean, FNCExactMoments(FNCRecord(900, 600, 2000, 1.3, 2e-8)).mean);
+    EXPECT_NE(mean, FNCExactMoments(FNCRecord(900, 600, 2000, 1.3, 1e-9)).mean);
 }
 
 TEST(FNCHypergeometric, OddsZeroAndBelow) {

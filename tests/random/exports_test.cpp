@@ -63,30 +63,30 @@ TEST(RandomNormalVariables, WithoutRowsTheNumberOfColumnsCostsNothing) {
 }
 
 TEST(RandomNormalVariable, TakesNothingFromTheHeap) {
-    double whole[1000], starved[1000];
+    double whole[1000], starved[1000] = {}, columns[1000] = {};
     RandomNormalVariable(whole, 1000, 0, 1, 3);
-    EXPECT_EQ(Printed([&] {
-                  const NewFailsAfter heap(0);
-                  EXPECT_EQ(RandomNormalVariable(starved, 1000, 0, 1, 3), 0);
-              }),
-              "");
-    EXPECT_EQ(std::memcmp(whole, starved, sizeof whole), 0);
-    std::memset(starved, 0, sizeof starved);
-    {
+    const std::string printed = Printed([&] {
         const NewFailsAfter heap(0);
-        EXPECT_EQ(RandomNormalVariables(starved, 250, 4, 0, 1, 3), 0);
-    }
+        RandomNormalVariable(starved, 1000, 0, 1, 3);
+        RandomNormalVariables(columns, 250, 4, 0, 1, 3);
+    });
+    EXPECT_EQ(printed, "");
     EXPECT_EQ(std::memcmp(whole, starved, sizeof whole), 0);
+    EXPECT_EQ(std::memcmp(whole, columns, sizeof whole), 0);
 }
 
 TEST(CreateRandomStream, WithoutMemoryIsZeroWithoutAMessageAndLeavesErrno) {
-    EXPECT_EQ(Printed([] {
-                  errno = 7;
-                  const NewFailsAfter heap(0);
-                  EXPECT_EQ(CreateRandomStream(1), RandomStreamHandle{0});
-                  EXPECT_EQ(errno, 7);
-              }),
-              "");
+    RandomStreamHandle stream = 1;
+    int errnoAfter = 0;
+    const std::string printed = Printed([&] {
+        const NewFailsAfter heap(0);
+        errno = 7;
+        stream = CreateRandomStream(1);
+        errnoAfter = errno;
+    });
+    EXPECT_EQ(stream, RandomStreamHandle{0});
+    EXPECT_EQ(errnoAfter, 7);
+    EXPECT_EQ(printed, "");
 }
 
 TEST(RandomUniformInteger, ReportsTheFirstBadParameterOfStreamCountAndValues) {
@@ -166,16 +166,20 @@ TEST(RandomMessages, LeaveErrnoWhereStandardOutputTakesNothing) {
     double z = 0;
     for (const auto state : {BrokenOutput::kClosed, BrokenOutput::kFull})
         for (const int before : {0, 7}) {
-            const BrokenOutput output(state);
-            const auto errnoAfter = [before](auto call) {
+            std::vector<int> after;
+            const auto note = [&](auto call) {
                 errno = before;
                 call();
-                return errno;
+                after.push_back(errno);
             };
-            EXPECT_EQ(errnoAfter([&] { RandomNormalVariable(&z, -1, 0, 1, 1); }), before);
-            EXPECT_EQ(errnoAfter([&] { RandomNormalVariables(&z, 1, 2, 0, 0, 1); }), before);
-            EXPECT_EQ(errnoAfter([&] { DeleteRandomStream(0); }), before);
-            EXPECT_EQ(errnoAfter([&] { RandomUniformInteger(live, nullptr, 1); }), before);
+            {
+                const BrokenOutput output(state);
+                note([&] { RandomNormalVariable(&z, -1, 0, 1, 1); });
+                note([&] { RandomNormalVariables(&z, 1, 2, 0, 0, 1); });
+                note([&] { DeleteRandomStream(0); });
+                note([&] { RandomUniformInteger(live, nullptr, 1); });
+            }
+            EXPECT_EQ(after, std::vector<int>(4, before));
         }
     DeleteRandomStream(live);
 }

@@ -79,6 +79,8 @@ TEST(RandomNormalVariable, NaNAndInfinitePass) {
     EXPECT_TRUE(std::isnan(z[0]) && std::isnan(z[2]));
     RandomNormalVariable(z, 3, kNaN, 1, 1);
     EXPECT_TRUE(std::isnan(z[1]));
+    RandomNormalVariable(z, 3, kInfinity, 1, 1);
+    EXPECT_EQ(z[1], kInfinity);
     RandomNormalVariable(z, 3, 0, kInfinity, 1);
     EXPECT_EQ(z[0], -kInfinity);
     EXPECT_EQ(z[1], kInfinity);

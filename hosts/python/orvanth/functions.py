@@ -15,12 +15,25 @@ def gamma(x, *, out=None, where=True):
     Returns
     -------
     result : float
-        Gamma(x). +infinity at 0; NaN below 0 and above 171 (a little under the true point of overflow), and for NaN.
+        Gamma(x).
+
+    Formula
+    -------
+    integral of t^(x-1) exp(-t) for t from 0 to infinity
+
+    Edges
+    -----
+    0: +infinity. Below 0 and above 171, a little under the true point of overflow: NaN. NaN: NaN.
 
     Failure of the plain export
     ---------------------------
-    Silent. Outside the range errno is left alone, on purpose. A tiny positive x whose result leaves the range of
-    doubles: +infinity, errno 34.
+    Silent. At 0 and outside the range errno stays as it was. A positive x below 5.56e-309, where the
+    result exceeds the largest double: +infinity, errno 34.
+
+    References
+    ----------
+    C. Lanczos, A precision approximation of the gamma function, SIAM Journal on Numerical Analysis B 1,
+    1964.
 
     Notes
     -----
@@ -30,14 +43,20 @@ def gamma(x, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import gamma
-    >>> print(f"{gamma(x=171.0):.6g}")
-    7.25742e+306
+    >>> print(f"{gamma(x=5):.6g}")
+    24
+    >>> print(f"{gamma(x=0.5):.6g}")
+    1.77245
+    >>> print(f"{gamma(x=171.5):.6g}")
+    nan
+    >>> print(f"{gamma(x=0):.6g}")
+    inf
     """
     return _ufuncs.Gamma(x, out=out, where=where)
 
 
 def gamma_ln(x, *, out=None, where=True):
-    """ln |Gamma(x)|; the sign is dropped.
+    """The logarithm of the absolute value of the gamma function.
 
     Parameters
     ----------
@@ -47,11 +66,25 @@ def gamma_ln(x, *, out=None, where=True):
     Returns
     -------
     result : float
-        ln |Gamma(x)|; NaN for NaN. Beyond 4.3e25 NaN: there the approximation leaves the range of doubles.
+        ln |Gamma(x)|; the sign of Gamma(x) is dropped.
+
+    Formula
+    -------
+    ln |Gamma(x)|
+
+    Edges
+    -----
+    1 and 2: 0. NaN: NaN.
 
     Failure of the plain export
     ---------------------------
-    Throws std::domain_error at 0 and the negative integers: "Evaluation of lgamma at a negative integer ...".
+    Throws std::domain_error at 0, at the negative integers and at -infinity, "Evaluation of lgamma at a
+    negative integer ..."; std::overflow_error, "numeric overflow", above 2.55e305 and for +infinity.
+
+    References
+    ----------
+    C. Lanczos, A precision approximation of the gamma function, SIAM Journal on Numerical Analysis B 1,
+    1964.
 
     Notes
     -----
@@ -61,8 +94,12 @@ def gamma_ln(x, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import gamma_ln
+    >>> print(f"{gamma_ln(x=100):.6g}")
+    359.134
     >>> print(f"{gamma_ln(x=-0.5):.6g}")
     1.26551
+    >>> print(f"{gamma_ln(x=1e30):.6g}")
+    6.80776e+31
     """
     return _ufuncs.GammaLn(x, out=out, where=where)
 
@@ -80,11 +117,27 @@ def gamma_regularized(a, x, *, out=None, where=True):
     Returns
     -------
     result : float
-        P(a, x), 0 at x = 0; NaN if an argument is a NaN.
+        P(a, x), from 0 to 1.
+
+    Formula
+    -------
+    1/Gamma(a) * integral of t^(a-1) exp(-t) for t from 0 to x
+
+    Edges
+    -----
+    x = 0: 0. x = +infinity: 1. A NaN argument, or both infinite: NaN.
 
     Failure of the plain export
     ---------------------------
-    Throws std::domain_error for a <= 0 or x < 0.
+    Throws std::domain_error for a <= 0, "Argument a to the incomplete gamma function must be greater
+    than zero ...", and for x < 0, "Argument x to the incomplete gamma function must be >= 0 ...".
+
+    References
+    ----------
+    A. R. Didonato, A. H. Morris, Computation of the incomplete gamma function ratios and their inverse,
+    ACM Transactions on Mathematical Software 12, 1986.
+    N. M. Temme, The asymptotic expansion of the incomplete gamma functions, SIAM Journal on
+    Mathematical Analysis 10, 1979.
 
     Notes
     -----
@@ -94,14 +147,18 @@ def gamma_regularized(a, x, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import gamma_regularized
-    >>> print(f"{gamma_regularized(a=0.5, x=0.001):.6g}")
-    0.0356706
+    >>> print(f"{gamma_regularized(a=2, x=1):.6g}")
+    0.264241
+    >>> print(f"{gamma_regularized(a=200, x=1e-9):.6g}")
+    0
+    >>> print(f"{gamma_regularized(a=0.5, x=0):.6g}")
+    0
     """
     return _ufuncs.GammaRegularized(a, x, out=out, where=where)
 
 
 def gamma_regularized_c(a, x, *, out=None, where=True):
-    """The upper regularized incomplete gamma function Q(a, x) = 1 - P(a, x), precise where it is small.
+    """The upper regularized incomplete gamma function Q(a, x), with its own digits where it is small.
 
     Parameters
     ----------
@@ -113,11 +170,23 @@ def gamma_regularized_c(a, x, *, out=None, where=True):
     Returns
     -------
     result : float
-        Q(a, x), 1 at x = 0; NaN if an argument is a NaN.
+        Q(a, x) = 1 - P(a, x), from 0 to 1.
+
+    Formula
+    -------
+    1/Gamma(a) * integral of t^(a-1) exp(-t) for t from x to infinity
+
+    Edges
+    -----
+    x = 0: 1. x = +infinity: 0. A NaN argument, or both infinite: NaN.
 
     Failure of the plain export
     ---------------------------
-    Throws std::domain_error for a <= 0 or x < 0.
+    As GammaRegularized.
+
+    References
+    ----------
+    As GammaRegularized.
 
     Notes
     -----
@@ -127,14 +196,18 @@ def gamma_regularized_c(a, x, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import gamma_regularized_c
-    >>> print(f"{gamma_regularized_c(a=0.5, x=0.001):.6g}")
-    0.964329
+    >>> print(f"{gamma_regularized_c(a=2, x=1):.6g}")
+    0.735759
+    >>> print(f"{gamma_regularized_c(a=3, x=100):.6g}")
+    1.89761e-40
+    >>> print(f"{gamma_regularized_c(a=200, x=1e-9):.6g}")
+    1
     """
     return _ufuncs.GammaRegularizedC(a, x, out=out, where=where)
 
 
 def gamma_derivative(a, x, *, out=None, where=True):
-    """The derivative of P(a, x) by x.
+    """The derivative of P(a, x) by x, which is the density of the gamma distribution of scale 1.
 
     Parameters
     ----------
@@ -146,12 +219,24 @@ def gamma_derivative(a, x, *, out=None, where=True):
     Returns
     -------
     result : float
-        x^(a-1) exp(-x) / Gamma(a). At x = 0: 0 for a > 1, 1 for a = 1.
+        the derivative.
+
+    Formula
+    -------
+    x^(a-1) exp(-x) / Gamma(a)
+
+    Edges
+    -----
+    x = 0: 0 for a > 1, 1 for a = 1, a failure for a < 1. A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
-    Throws std::domain_error for a <= 0 or x < 0; std::overflow_error, "Overflow Error", at x = 0 with a < 1 and where
-    the result leaves the range of doubles.
+    Throws std::domain_error for a <= 0 or x < 0, with the texts of GammaRegularized;
+    std::overflow_error, "Overflow Error", at x = 0 with a < 1 and beyond the largest double.
+
+    References
+    ----------
+    As GammaRegularized.
 
     Notes
     -----
@@ -161,8 +246,12 @@ def gamma_derivative(a, x, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import gamma_derivative
-    >>> print(f"{gamma_derivative(a=0.5, x=0.001):.6g}")
-    17.8234
+    >>> print(f"{gamma_derivative(a=2, x=1):.6g}")
+    0.367879
+    >>> print(f"{gamma_derivative(a=1, x=0):.6g}")
+    1
+    >>> print(f"{gamma_derivative(a=2, x=0):.6g}")
+    0
     """
     return _ufuncs.GammaDerivative(a, x, out=out, where=where)
 
@@ -180,12 +269,24 @@ def incomplete_gamma_lower(a, x, *, out=None, where=True):
     Returns
     -------
     result : float
-        the integral of t^(a-1) exp(-t) from 0 to x.
+        the integral.
+
+    Formula
+    -------
+    integral of t^(a-1) exp(-t) for t from 0 to x
+
+    Edges
+    -----
+    x = 0: 0. x = +infinity: Gamma(a). A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
-    Silent. a <= 0 or x < 0: errno 33, the calculation goes on and gives NaN. A result beyond double: +infinity, errno
-    34. Where Gamma(a) and the upper part both leave the range: NaN, errno 34.
+    Silent. a <= 0 or x < 0: NaN, errno 33. A result that exceeds the largest double: +infinity, errno
+    34. There is a value wherever it fits a double, also where Gamma(a) does not.
+
+    References
+    ----------
+    As GammaRegularized.
 
     Notes
     -----
@@ -195,8 +296,12 @@ def incomplete_gamma_lower(a, x, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import incomplete_gamma_lower
-    >>> print(f"{incomplete_gamma_lower(a=0.5, x=0.001):.6g}")
-    0.0632245
+    >>> print(f"{incomplete_gamma_lower(a=2, x=1):.6g}")
+    0.264241
+    >>> print(f"{incomplete_gamma_lower(a=171.5, x=160):.6g}")
+    1.81453e+307
+    >>> print(f"{incomplete_gamma_lower(a=0, x=1):.6g}")
+    nan
     """
     return _ufuncs.IncompleteGammaLower(a, x, out=out, where=where)
 
@@ -214,11 +319,23 @@ def incomplete_gamma_upper(a, x, *, out=None, where=True):
     Returns
     -------
     result : float
-        the integral of t^(a-1) exp(-t) from x to infinity.
+        the integral.
+
+    Formula
+    -------
+    integral of t^(a-1) exp(-t) for t from x to infinity
+
+    Edges
+    -----
+    x = 0: Gamma(a). x = +infinity: 0. A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
-    Silent, as IncompleteGammaLower.
+    As IncompleteGammaLower.
+
+    References
+    ----------
+    As GammaRegularized.
 
     Notes
     -----
@@ -228,14 +345,18 @@ def incomplete_gamma_upper(a, x, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import incomplete_gamma_upper
-    >>> print(f"{incomplete_gamma_upper(a=0.5, x=0.0):.6g}")
-    1.77245
+    >>> print(f"{incomplete_gamma_upper(a=2, x=1):.6g}")
+    0.735759
+    >>> print(f"{incomplete_gamma_upper(a=171.5, x=160):.6g}")
+    7.66884e+307
+    >>> print(f"{incomplete_gamma_upper(a=200, x=1):.6g}")
+    inf
     """
     return _ufuncs.IncompleteGammaUpper(a, x, out=out, where=where)
 
 
 def inverse_gamma_regularized(a, p, *, out=None, where=True):
-    """The x with P(a, x) = p.
+    """The inverse of GammaRegularized by x.
 
     Parameters
     ----------
@@ -247,12 +368,25 @@ def inverse_gamma_regularized(a, p, *, out=None, where=True):
     Returns
     -------
     result : float
-        x; 0 at p = 0, the largest double (not infinity, errno untouched) at p = 1.
+        x; 0 where x is below the smallest double.
+
+    Formula
+    -------
+    the x with P(a, x) = p
+
+    Edges
+    -----
+    p = 0: 0. p = 1: the largest double, not infinity, and errno stays as it was. A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
-    Silent. a <= 0 or p outside [0, 1]: errno 33, the calculation goes on: 0 at p = 0, the largest double at p = 1,
-    otherwise NaN.
+    Silent. a <= 0 or p outside [0, 1]: errno 33; the answer is that of the edge at p = 0 and p = 1,
+    otherwise NaN. If no search arrives: the value reached, errno 33; no such argument is known.
+
+    References
+    ----------
+    A. R. Didonato, A. H. Morris, Computation of the incomplete gamma function ratios and their inverse,
+    ACM Transactions on Mathematical Software 12, 1986.
 
     Notes
     -----
@@ -262,14 +396,18 @@ def inverse_gamma_regularized(a, p, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import inverse_gamma_regularized
-    >>> print(f"{inverse_gamma_regularized(a=0.05, p=1.0):.6g}")
+    >>> print(f"{inverse_gamma_regularized(a=2, p=0.5):.6g}")
+    1.67835
+    >>> print(f"{inverse_gamma_regularized(a=2, p=1):.6g}")
     1.79769e+308
+    >>> print(f"{inverse_gamma_regularized(a=1981, p=5e-324):.6g}")
+    722.499
     """
     return _ufuncs.InverseGammaRegularized(a, p, out=out, where=where)
 
 
 def inverse_gamma_regularized_c(a, q, *, out=None, where=True):
-    """The x with Q(a, x) = q.
+    """The inverse of GammaRegularizedC by x.
 
     Parameters
     ----------
@@ -281,11 +419,23 @@ def inverse_gamma_regularized_c(a, q, *, out=None, where=True):
     Returns
     -------
     result : float
-        x; the largest double (not infinity, errno untouched) at q = 0, 0 at q = 1.
+        x; 0 where x is below the smallest double.
+
+    Formula
+    -------
+    the x with Q(a, x) = q
+
+    Edges
+    -----
+    q = 0: the largest double, not infinity, and errno stays as it was. q = 1: 0. A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
-    Silent, as InverseGammaRegularized with the ends exchanged.
+    As InverseGammaRegularized, with the edges exchanged.
+
+    References
+    ----------
+    As InverseGammaRegularized.
 
     Notes
     -----
@@ -295,7 +445,11 @@ def inverse_gamma_regularized_c(a, q, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import inverse_gamma_regularized_c
-    >>> print(f"{inverse_gamma_regularized_c(a=0.05, q=0.0):.6g}")
+    >>> print(f"{inverse_gamma_regularized_c(a=2, q=0.05):.6g}")
+    4.74386
+    >>> print(f"{inverse_gamma_regularized_c(a=2, q=1e-300):.6g}")
+    697.324
+    >>> print(f"{inverse_gamma_regularized_c(a=2, q=0):.6g}")
     1.79769e+308
     """
     return _ufuncs.InverseGammaRegularizedC(a, q, out=out, where=where)
@@ -314,11 +468,25 @@ def beta(a, b, *, out=None, where=True):
     Returns
     -------
     result : float
-        Gamma(a) Gamma(b) / Gamma(a + b); NaN if an argument is a NaN.
+        B(a, b).
+
+    Formula
+    -------
+    Gamma(a) Gamma(b) / Gamma(a + b)
+
+    Edges
+    -----
+    A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
-    Throws std::domain_error for a <= 0 or b <= 0; std::overflow_error, "numeric overflow", beyond double.
+    Throws std::domain_error for a <= 0 and then for b <= 0, "The arguments to the beta function must be
+    greater than zero ..."; std::overflow_error, "numeric overflow", beyond the largest double.
+
+    References
+    ----------
+    C. Lanczos, A precision approximation of the gamma function, SIAM Journal on Numerical Analysis B 1,
+    1964.
 
     Notes
     -----
@@ -328,8 +496,10 @@ def beta(a, b, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import beta
-    >>> print(f"{beta(a=0.5, b=3.0):.6g}")
-    1.06667
+    >>> print(f"{beta(a=2, b=3):.6g}")
+    0.0833333
+    >>> print(f"{beta(a=0.5, b=0.5):.6g}")
+    3.14159
     """
     return _ufuncs.Beta(a, b, out=out, where=where)
 
@@ -340,20 +510,36 @@ def beta_regularized(a, b, x, *, out=None, where=True):
     Parameters
     ----------
     a : float
-        not below 0; 0 only with b > 0, the answer is then 1
+        not below 0
     b : float
-        not below 0; 0 only with a > 0, the answer is then 0
+        not below 0, and not 0 together with a
     x : float
         in [0, 1]
 
     Returns
     -------
     result : float
-        I_x(a, b); NaN if an argument is a NaN.
+        I_x(a, b), from 0 to 1.
+
+    Formula
+    -------
+    1/B(a, b) * integral of t^(a-1) (1-t)^(b-1) for t from 0 to x
+
+    Edges
+    -----
+    a = 0: 1. b = 0: 0. Both are answered before x is tested. x = 0: 0. x = 1: 1. A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
-    Throws std::domain_error: x outside [0, 1], a < 0, b < 0, a = b = 0, in this order.
+    Throws std::domain_error, with the tests in this order: a < 0, "The argument a to the incomplete
+    beta function must be >= zero ..."; the same for b; a = b = 0, "The arguments a and b to the
+    incomplete beta function cannot both be zero, with x=..."; x outside [0, 1], "Parameter x outside
+    the range [0,1] in the incomplete beta function ...".
+
+    References
+    ----------
+    A. R. Didonato, A. H. Morris, Algorithm 708: Significant digit computation of the incomplete beta
+    function ratios, ACM Transactions on Mathematical Software 18, 1992.
 
     Notes
     -----
@@ -363,31 +549,47 @@ def beta_regularized(a, b, x, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import beta_regularized
-    >>> print(f"{beta_regularized(a=0.5, b=0.5, x=0.25):.6g}")
-    0.333333
+    >>> print(f"{beta_regularized(a=2, b=3, x=0.4):.6g}")
+    0.5248
+    >>> print(f"{beta_regularized(a=0, b=1, x=1.5):.6g}")
+    1
+    >>> print(f"{beta_regularized(a=39, b=2013392262, x=0.270872):.6g}")
+    1
     """
     return _ufuncs.BetaRegularized(a, b, x, out=out, where=where)
 
 
 def beta_regularized_c(a, b, x, *, out=None, where=True):
-    """The complement 1 - I_x(a, b), precise where it is small.
+    """The complement of the regularized incomplete beta function, with its own digits where it is small.
 
     Parameters
     ----------
     a : float
-        not below 0; 0 only with b > 0, the answer is then 0
+        not below 0
     b : float
-        not below 0; 0 only with a > 0, the answer is then 1
+        not below 0, and not 0 together with a
     x : float
         in [0, 1]
 
     Returns
     -------
     result : float
-        1 - I_x(a, b); NaN if an argument is a NaN.
+        1 - I_x(a, b), from 0 to 1.
+
+    Formula
+    -------
+    1/B(a, b) * integral of t^(a-1) (1-t)^(b-1) for t from x to 1
+
+    Edges
+    -----
+    a = 0: 0. b = 0: 1. Both are answered before x is tested. x = 0: 1. x = 1: 0. A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
+    As BetaRegularized.
+
+    References
+    ----------
     As BetaRegularized.
 
     Notes
@@ -398,14 +600,18 @@ def beta_regularized_c(a, b, x, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import beta_regularized_c
-    >>> print(f"{beta_regularized_c(a=0.5, b=0.5, x=0.25):.6g}")
-    0.666667
+    >>> print(f"{beta_regularized_c(a=2, b=3, x=0.4):.6g}")
+    0.4752
+    >>> print(f"{beta_regularized_c(a=2, b=3, x=0.999):.6g}")
+    3.997e-09
+    >>> print(f"{beta_regularized_c(a=0, b=1, x=0.5):.6g}")
+    0
     """
     return _ufuncs.BetaRegularizedC(a, b, x, out=out, where=where)
 
 
 def beta_derivative(a, b, x, *, out=None, where=True):
-    """The derivative of I_x(a, b) by x: the density of the beta distribution.
+    """The derivative of I_x(a, b) by x, which is the density of the beta distribution.
 
     Parameters
     ----------
@@ -419,13 +625,26 @@ def beta_derivative(a, b, x, *, out=None, where=True):
     Returns
     -------
     result : float
-        x^(a-1) (1-x)^(b-1) / B(a, b). At x = 0: 0 for a > 1, b for a = 1, +infinity with errno 34 for a < 1; at
-        x = 1 the same with b.
+        the derivative.
+
+    Formula
+    -------
+    x^(a-1) (1-x)^(b-1) / B(a, b)
+
+    Edges
+    -----
+    x = 0: 0 for a > 1, b for a = 1, +infinity with errno 34 for a < 1. x = 1: the same with a and b
+    exchanged. A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
-    Silent. a <= 0, b <= 0 or x outside [0, 1]: errno 33 and the calculation goes on, commonly to NaN, or to +infinity
-    with errno 34.
+    Silent. a <= 0, b <= 0 or x outside [0, 1]: errno 33 and the calculation goes on, commonly to NaN;
+    a later overflow gives +infinity and errno 34. A result beyond the largest double: +infinity, errno
+    34.
+
+    References
+    ----------
+    As BetaRegularized.
 
     Notes
     -----
@@ -435,14 +654,18 @@ def beta_derivative(a, b, x, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import beta_derivative
-    >>> print(f"{beta_derivative(a=0.5, b=0.5, x=0.25):.6g}")
-    0.735105
+    >>> print(f"{beta_derivative(a=2, b=3, x=0.4):.6g}")
+    1.728
+    >>> print(f"{beta_derivative(a=1, b=3, x=0):.6g}")
+    3
+    >>> print(f"{beta_derivative(a=0.5, b=3, x=0):.6g}")
+    inf
     """
     return _ufuncs.BetaDerivative(a, b, x, out=out, where=where)
 
 
 def inverse_beta_regularized(a, b, p, *, out=None, where=True):
-    """The x with I_x(a, b) = p.
+    """The inverse of BetaRegularized by x.
 
     Parameters
     ----------
@@ -456,11 +679,25 @@ def inverse_beta_regularized(a, b, p, *, out=None, where=True):
     Returns
     -------
     result : float
-        x; 0 at p = 0, 1 at p = 1, p itself for a = b = 1; NaN if an argument is a NaN.
+        x; 0 where x is below the smallest double.
+
+    Formula
+    -------
+    the x with I_x(a, b) = p
+
+    Edges
+    -----
+    p = 0: 0. p = 1: 1. a = b = 1: p itself. A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
-    Silent. a <= 0, b <= 0 or p outside [0, 1]: NaN, errno 33, nothing is computed.
+    Silent. a <= 0, b <= 0 or p outside [0, 1]: NaN, errno 33. If no search arrives: the value reached,
+    errno 33; no such argument is known.
+
+    References
+    ----------
+    N. M. Temme, Asymptotic inversion of the incomplete beta function, Journal of Computational and
+    Applied Mathematics 41, 1992.
 
     Notes
     -----
@@ -470,14 +707,18 @@ def inverse_beta_regularized(a, b, p, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import inverse_beta_regularized
-    >>> print(f"{inverse_beta_regularized(a=0.5, b=0.5, p=0.3):.6g}")
-    0.206107
+    >>> print(f"{inverse_beta_regularized(a=2, b=3, p=0.5):.6g}")
+    0.385728
+    >>> print(f"{inverse_beta_regularized(a=1, b=1, p=0.3):.6g}")
+    0.3
+    >>> print(f"{inverse_beta_regularized(a=0.5, b=3, p=1e-100):.6g}")
+    2.84444e-201
     """
     return _ufuncs.InverseBetaRegularized(a, b, p, out=out, where=where)
 
 
 def inverse_beta_regularized2(a, b, p, *, out=None, where=True):
-    """The x with I_x(a, b) = p, and 1 - x with its own digits.
+    """The inverse of BetaRegularized by x, with 1 - x beside x.
 
     Parameters
     ----------
@@ -493,9 +734,22 @@ def inverse_beta_regularized2(a, b, p, *, out=None, where=True):
     result, complement : float
         the results
 
+    Formula
+    -------
+    the x with I_x(a, b) = p, and 1 - x
+
+    Edges
+    -----
+    p = 0: 0 and 1. p = 1: 1 and 0. a = b = 1: p and 1 - p. A NaN argument: NaN through both pointers.
+
     Failure of the plain export
     ---------------------------
-    Silent. a <= 0, b <= 0 or p outside [0, 1]: NaN through `result`, errno 33, and `complement` keeps what it held.
+    Silent. a <= 0, b <= 0 or p outside [0, 1]: NaN through `result`, errno 33, and the target of
+    `complement` keeps what it held.
+
+    References
+    ----------
+    As InverseBetaRegularized.
 
     Notes
     -----
@@ -513,7 +767,7 @@ def inverse_beta_regularized2(a, b, p, *, out=None, where=True):
 
 
 def inverse_beta_regularized_c(a, b, q, *, out=None, where=True):
-    """The x with 1 - I_x(a, b) = q.
+    """The inverse of BetaRegularizedC by x.
 
     Parameters
     ----------
@@ -527,12 +781,24 @@ def inverse_beta_regularized_c(a, b, q, *, out=None, where=True):
     Returns
     -------
     result : float
-        x; 1 at q = 0, 0 at q = 1.
+        x; 0 where x is below the smallest double.
+
+    Formula
+    -------
+    the x with 1 - I_x(a, b) = q
+
+    Edges
+    -----
+    q = 0: 1. q = 1: 0. a = b = 1: 1 - q. A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
-    Silent, and unlike InverseBetaRegularized on purpose: a <= 0, b <= 0 or q outside [0, 1]: errno 33, and the
-    calculation goes on to NaN.
+    Silent. a <= 0, b <= 0 or q outside [0, 1]: errno 33, and the calculation goes on to NaN. If no
+    search arrives: the value reached, errno 33; no such argument is known.
+
+    References
+    ----------
+    As InverseBetaRegularized.
 
     Notes
     -----
@@ -542,14 +808,16 @@ def inverse_beta_regularized_c(a, b, q, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import inverse_beta_regularized_c
-    >>> print(f"{inverse_beta_regularized_c(a=0.5, b=0.5, q=0.3):.6g}")
-    0.793893
+    >>> print(f"{inverse_beta_regularized_c(a=2, b=3, q=0.05):.6g}")
+    0.751395
+    >>> print(f"{inverse_beta_regularized_c(a=2, b=3, q=0):.6g}")
+    1
     """
     return _ufuncs.InverseBetaRegularizedC(a, b, q, out=out, where=where)
 
 
 def inverse_beta_regularized_c2(a, b, q, *, out=None, where=True):
-    """The x with 1 - I_x(a, b) = q, and 1 - x with its own digits.
+    """The inverse of BetaRegularizedC by x, with 1 - x beside x.
 
     Parameters
     ----------
@@ -565,9 +833,21 @@ def inverse_beta_regularized_c2(a, b, q, *, out=None, where=True):
     result, complement : float
         the results
 
+    Formula
+    -------
+    the x with 1 - I_x(a, b) = q, and 1 - x
+
+    Edges
+    -----
+    q = 0: 1 and 0. q = 1: 0 and 1. a = b = 1: 1 - q and q. A NaN argument: NaN through both pointers.
+
     Failure of the plain export
     ---------------------------
-    Silent, as InverseBetaRegularizedC; a NaN goes through both pointers.
+    Silent. a <= 0, b <= 0 or q outside [0, 1]: errno 33 and NaN through both pointers.
+
+    References
+    ----------
+    As InverseBetaRegularized.
 
     Notes
     -----
@@ -585,7 +865,7 @@ def inverse_beta_regularized_c2(a, b, q, *, out=None, where=True):
 
 
 def erf(x, *, out=None, where=True):
-    """The error function erf(x) = 2/sqrt(pi) * integral of exp(-t*t) for t from 0 to x.
+    """The error function.
 
     Parameters
     ----------
@@ -595,11 +875,24 @@ def erf(x, *, out=None, where=True):
     Returns
     -------
     result : float
-        erf(x), odd in x; 0 at 0, +-1 at +-infinity; NaN for NaN.
+        erf(x), from -1 to 1.
+
+    Formula
+    -------
+    2/sqrt(pi) * integral of exp(-t*t) for t from 0 to x
+
+    Edges
+    -----
+    0: 0. -infinity: -1. +infinity: 1. NaN: NaN.
 
     Failure of the plain export
     ---------------------------
     None occurs: errno stays as it was.
+
+    References
+    ----------
+    W. J. Cody, Rational Chebyshev approximations for the error function, Mathematics of Computation 23,
+    1969.
 
     Notes
     -----
@@ -609,14 +902,14 @@ def erf(x, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import erf
-    >>> print(f"{erf(x=1.0):.6g}")
-    0.842701
+    >>> print(f"{erf(x=0.5):.6g}")
+    0.5205
     """
     return _ufuncs.Erf(x, out=out, where=where)
 
 
 def erfc(x, *, out=None, where=True):
-    """The complement erfc(x) = 1 - erf(x), with full relative precision in the upper tail.
+    """The complement of the error function, with its own digits in the upper tail.
 
     Parameters
     ----------
@@ -626,12 +919,23 @@ def erfc(x, *, out=None, where=True):
     Returns
     -------
     result : float
-        erfc(x); 1 at 0, 0 at +infinity, 2 at -infinity; NaN for NaN. Far in the tail it underflows
-        to 0 without a mark.
+        erfc(x) = 1 - erf(x), from 0 to 2.
+
+    Formula
+    -------
+    2/sqrt(pi) * integral of exp(-t*t) for t from x to infinity
+
+    Edges
+    -----
+    0: 1. -infinity: 2. +infinity: 0. NaN: NaN. Above 27.3 the result underflows to 0.
 
     Failure of the plain export
     ---------------------------
-    None occurs: errno stays as it was.
+    None occurs: errno stays as it was, also where the result underflows.
+
+    References
+    ----------
+    As Erf.
 
     Notes
     -----
@@ -641,14 +945,16 @@ def erfc(x, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import erfc
-    >>> print(f"{erfc(x=1.0):.6g}")
-    0.157299
+    >>> print(f"{erfc(x=0.5):.6g}")
+    0.4795
+    >>> print(f"{erfc(x=10):.6g}")
+    2.08849e-45
     """
     return _ufuncs.ErfC(x, out=out, where=where)
 
 
 def inverse_erf(p, *, out=None, where=True):
-    """The x with erf(x) = p.
+    """The inverse of the error function.
 
     Parameters
     ----------
@@ -658,11 +964,23 @@ def inverse_erf(p, *, out=None, where=True):
     Returns
     -------
     result : float
-        x; 0 at p = 0, +-infinity at p = +-1 with errno 34; NaN for NaN.
+        x.
+
+    Formula
+    -------
+    the x with erf(x) = p
+
+    Edges
+    -----
+    0: 0. -1 and 1: -infinity and +infinity, with errno 34. NaN: NaN.
 
     Failure of the plain export
     ---------------------------
-    Silent. p outside [-1, 1]: NaN, errno 33.
+    Silent. p outside [-1, 1]: NaN, errno 33. p = -1 and p = 1: errno 34.
+
+    References
+    ----------
+    J. Maddock, rational approximations by intervals of -ln(1 - p), Boost.Math, 2006.
 
     Notes
     -----
@@ -674,12 +992,16 @@ def inverse_erf(p, *, out=None, where=True):
     >>> from orvanth import inverse_erf
     >>> print(f"{inverse_erf(p=0.5):.6g}")
     0.476936
+    >>> print(f"{inverse_erf(p=1):.6g}")
+    inf
+    >>> print(f"{inverse_erf(p=1.5):.6g}")
+    nan
     """
     return _ufuncs.InverseErf(p, out=out, where=where)
 
 
 def inverse_erfc(z, *, out=None, where=True):
-    """The x with erfc(x) = z, precise also for tiny z.
+    """The inverse of the complement of the error function, for a small z too.
 
     Parameters
     ----------
@@ -689,11 +1011,23 @@ def inverse_erfc(z, *, out=None, where=True):
     Returns
     -------
     result : float
-        x; 0 at z = 1; +infinity at z = 0 and -infinity at z = 2, both with errno 34; NaN for NaN.
+        x.
+
+    Formula
+    -------
+    the x with erfc(x) = z
+
+    Edges
+    -----
+    1: 0. 0 and 2: +infinity and -infinity, with errno 34. NaN: NaN.
 
     Failure of the plain export
     ---------------------------
-    Silent. z outside [0, 2]: NaN, errno 33.
+    Silent. z outside [0, 2]: NaN, errno 33. z = 0 and z = 2: errno 34.
+
+    References
+    ----------
+    As InverseErf.
 
     Notes
     -----
@@ -705,12 +1039,16 @@ def inverse_erfc(z, *, out=None, where=True):
     >>> from orvanth import inverse_erfc
     >>> print(f"{inverse_erfc(z=0.5):.6g}")
     0.476936
+    >>> print(f"{inverse_erfc(z=1e-300):.6g}")
+    26.2095
+    >>> print(f"{inverse_erfc(z=0):.6g}")
+    inf
     """
     return _ufuncs.InverseErfC(z, out=out, where=where)
 
 
 def log_x_plus1(x, *, out=None, where=True):
-    """ln(1 + x) without loss of digits at small x.
+    """The logarithm of 1 + x, without loss of digits at a small x.
 
     Parameters
     ----------
@@ -720,13 +1058,26 @@ def log_x_plus1(x, *, out=None, where=True):
     Returns
     -------
     result : float
-        ln(1 + x); x itself where 1 + x rounds to 1. NaN for NaN and, on purpose, for +infinity,
-        where the correction below is infinity over infinity.
+        ln(1 + x).
+
+    Formula
+    -------
+    ln(1 + x), evaluated as ln(u) * (x / (u - 1)) with u = 1 + x rounded
+
+    Edges
+    -----
+    Where 1 + x rounds to 1: x itself, the sign of a zero included. +infinity: NaN, since the quotient
+    is infinity over infinity. NaN: NaN.
 
     Failure of the plain export
     ---------------------------
-    Throws, errno stays as it was. x < -1: std::domain_error, "log1p(x) requires x > -1, but got
-    x = ...". x = -1: std::overflow_error, "Overflow Error"; the answer is not -infinity.
+    Throws, and errno stays as it was. x < -1: std::domain_error, "log1p(x) requires x > -1, but got
+    x = ...". x = -1: std::overflow_error, "Overflow Error".
+
+    References
+    ----------
+    W. Kahan's correction; N. J. Higham, Accuracy and Stability of Numerical Algorithms, section 1.14.1,
+    SIAM, 2002.
 
     Notes
     -----
@@ -738,6 +1089,8 @@ def log_x_plus1(x, *, out=None, where=True):
     >>> from orvanth import log_x_plus1
     >>> print(f"{log_x_plus1(x=1e-20):.6g}")
     1e-20
+    >>> print(f"{log_x_plus1(x=0.5):.6g}")
+    0.405465
     """
     return _ufuncs.LogXplus1(x, out=out, where=where)
 
@@ -757,12 +1110,25 @@ def beta_pdf(x, a, b, *, out=None, where=True):
     Returns
     -------
     result : float
-        x^(a-1) (1-x)^(b-1) / B(a, b). At x = 0: 0 for a > 1, b for a = 1, +infinity with errno 34 for a < 1; at x = 1 the
-        same with b.
+        the density.
+
+    Formula
+    -------
+    x^(a-1) (1-x)^(b-1) / B(a, b)
+
+    Edges
+    -----
+    x = 0: 0 for a > 1, b for a = 1, +infinity with errno 34 for a < 1. x = 1: the same with a and b
+    exchanged.
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad a, b or x: NaN, errno 33.
+    Silent. A bad a, b or x, NaN and infinity included: NaN, errno 33. A density beyond the largest
+    double: +infinity, errno 34.
+
+    References
+    ----------
+    N. L. Johnson, S. Kotz, N. Balakrishnan, Continuous Univariate Distributions 2, Wiley, 1995.
 
     Notes
     -----
@@ -772,8 +1138,14 @@ def beta_pdf(x, a, b, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import beta_pdf
-    >>> print(f"{beta_pdf(x=0.3, a=1.0, b=3.0):.6g}")
-    1.47
+    >>> print(f"{beta_pdf(x=0.4, a=2, b=3):.6g}")
+    1.728
+    >>> print(f"{beta_pdf(x=0, a=1, b=3):.6g}")
+    3
+    >>> print(f"{beta_pdf(x=0, a=0.5, b=3):.6g}")
+    inf
+    >>> print(f"{beta_pdf(x=1.5, a=2, b=3):.6g}")
+    nan
     """
     return _ufuncs.BetaPDF(x, a, b, out=out, where=where)
 
@@ -790,16 +1162,29 @@ def beta_cdf(x, a, b, *, upper=False, out=None, where=True):
     b : float
         greater than 0, finite
     upper : bool
-        clear: P(X <= x); set: P(X > x)
+        clear: the lower tail; set: the upper tail. Only the low byte counts
 
     Returns
     -------
     result : float
-        the probability; 0 at x = 0 and 1 at x = 1; in the upper tail the reverse.
+        P(X <= x), with the flag set P(X > x).
+
+    Formula
+    -------
+    I_x(a, b), with the flag set 1 - I_x(a, b)
+
+    Edges
+    -----
+    x = 0: 0. x = 1: 1. With the flag set the reverse.
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad a, b or x: NaN, errno 33.
+    Silent. A bad a, b or x, NaN and infinity included: NaN, errno 33.
+
+    References
+    ----------
+    A. R. Didonato, A. H. Morris, Algorithm 708: Significant digit computation of the incomplete beta
+    function ratios, ACM Transactions on Mathematical Software 18, 1992.
 
     Notes
     -----
@@ -809,8 +1194,12 @@ def beta_cdf(x, a, b, *, upper=False, out=None, where=True):
     Examples
     --------
     >>> from orvanth import beta_cdf
-    >>> print(f"{beta_cdf(x=0.3, a=2.0, b=3.0, upper=False):.6g}")
-    0.3483
+    >>> print(f"{beta_cdf(x=0.4, a=2, b=3, upper=False):.6g}")
+    0.5248
+    >>> print(f"{beta_cdf(x=0.999, a=2, b=3, upper=True):.6g}")
+    3.997e-09
+    >>> print(f"{beta_cdf(x=1.5, a=2, b=3, upper=False):.6g}")
+    nan
     """
     return _ufuncs.BetaCDF(x, a, b, upper, out=out, where=where)
 
@@ -827,16 +1216,30 @@ def beta_icdf(p, a, b, *, upper=False, out=None, where=True):
     b : float
         greater than 0, finite
     upper : bool
-        clear: the lower tail is p; set: the upper tail is p
+        clear: the lower tail is p; set: the upper tail is p. Only the low byte counts
 
     Returns
     -------
     result : float
-        x; 0 at p = 0 and 1 at p = 1; in the upper tail the reverse.
+        x.
+
+    Formula
+    -------
+    the x with I_x(a, b) = p, with the flag set the x with 1 - I_x(a, b) = p
+
+    Edges
+    -----
+    p = 0: 0. p = 1: 1. With the flag set the reverse.
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad a or b, or p outside [0, 1] or a NaN: NaN, errno 33.
+    Silent. A bad a or b, or p outside [0, 1] or a NaN: NaN, errno 33. If no search arrives: the value
+    reached, errno 33; no such argument is known.
+
+    References
+    ----------
+    N. M. Temme, Asymptotic inversion of the incomplete beta function, Journal of Computational and
+    Applied Mathematics 41, 1992.
 
     Notes
     -----
@@ -846,8 +1249,12 @@ def beta_icdf(p, a, b, *, upper=False, out=None, where=True):
     Examples
     --------
     >>> from orvanth import beta_icdf
-    >>> print(f"{beta_icdf(p=0.3, a=2.0, b=3.0, upper=False):.6g}")
-    0.272384
+    >>> print(f"{beta_icdf(p=0.5, a=2, b=3, upper=False):.6g}")
+    0.385728
+    >>> print(f"{beta_icdf(p=0.05, a=2, b=3, upper=True):.6g}")
+    0.751395
+    >>> print(f"{beta_icdf(p=1e-100, a=0.5, b=3, upper=False):.6g}")
+    2.84444e-201
     """
     return _ufuncs.BetaICDF(p, a, b, upper, out=out, where=where)
 
@@ -865,11 +1272,24 @@ def chi_squared_pdf(x, df, *, out=None, where=True):
     Returns
     -------
     result : float
-        x^(df/2-1) exp(-x/2) / (2^(df/2) Gamma(df/2)). At x = 0: +infinity with errno 34 for df < 2, 0.5 for df = 2, 0 above.
+        the density.
+
+    Formula
+    -------
+    x^(df/2-1) exp(-x/2) / (2^(df/2) Gamma(df/2))
+
+    Edges
+    -----
+    x = 0: +infinity with errno 34 for df < 2, 0.5 for df = 2, 0 for df > 2.
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad df or x: NaN, errno 33.
+    Silent. A bad df or x, NaN and infinity included: NaN, errno 33. A density beyond the largest
+    double: +infinity, errno 34.
+
+    References
+    ----------
+    N. L. Johnson, S. Kotz, N. Balakrishnan, Continuous Univariate Distributions 1, Wiley, 1994.
 
     Notes
     -----
@@ -879,8 +1299,12 @@ def chi_squared_pdf(x, df, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import chi_squared_pdf
-    >>> print(f"{chi_squared_pdf(x=3.0, df=1.0):.6g}")
-    0.0513934
+    >>> print(f"{chi_squared_pdf(x=2, df=3):.6g}")
+    0.207554
+    >>> print(f"{chi_squared_pdf(x=0, df=2):.6g}")
+    0.5
+    >>> print(f"{chi_squared_pdf(x=0, df=1):.6g}")
+    inf
     """
     return _ufuncs.ChiSquaredPDF(x, df, out=out, where=where)
 
@@ -895,16 +1319,29 @@ def chi_squared_cdf(x, df, *, upper=False, out=None, where=True):
     df : float
         degrees of freedom, greater than 0, finite
     upper : bool
-        clear: P(X <= x); set: P(X > x)
+        clear: the lower tail; set: the upper tail. Only the low byte counts
 
     Returns
     -------
     result : float
-        the probability; 0 at x = 0 (upper tail 1). An infinite x is refused.
+        P(X <= x), with the flag set P(X > x).
+
+    Formula
+    -------
+    P(df/2, x/2), with the flag set Q(df/2, x/2)
+
+    Edges
+    -----
+    x = 0: 0, with the flag set 1. x = +infinity is refused.
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad df or x: NaN, errno 33.
+    Silent. A bad df or x, NaN and infinity included: NaN, errno 33.
+
+    References
+    ----------
+    A. R. Didonato, A. H. Morris, Computation of the incomplete gamma function ratios and their inverse,
+    ACM Transactions on Mathematical Software 12, 1986.
 
     Notes
     -----
@@ -914,8 +1351,12 @@ def chi_squared_cdf(x, df, *, upper=False, out=None, where=True):
     Examples
     --------
     >>> from orvanth import chi_squared_cdf
-    >>> print(f"{chi_squared_cdf(x=3.0, df=4.0, upper=False):.6g}")
-    0.442175
+    >>> print(f"{chi_squared_cdf(x=3.84, df=1, upper=False):.6g}")
+    0.949956
+    >>> print(f"{chi_squared_cdf(x=100, df=3, upper=True):.6g}")
+    1.55416e-21
+    >>> print(f"{chi_squared_cdf(x=1e-9, df=400, upper=False):.6g}")
+    0
     """
     return _ufuncs.ChiSquaredCDF(x, df, upper, out=out, where=where)
 
@@ -930,16 +1371,31 @@ def chi_squared_icdf(p, df, *, upper=False, out=None, where=True):
     df : float
         degrees of freedom, greater than 0, finite
     upper : bool
-        clear: the lower tail is p; set: the upper tail is p
+        clear: the lower tail is p; set: the upper tail is p. Only the low byte counts
 
     Returns
     -------
     result : float
-        x; 0 at p = 0; +infinity with errno untouched at p = 1; in the upper tail the reverse.
+        x.
+
+    Formula
+    -------
+    twice the y with P(df/2, y) = p, with the flag set twice the y with Q(df/2, y) = p
+
+    Edges
+    -----
+    p = 0: 0. p = 1: +infinity, and errno stays as it was. With the flag set the reverse.
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad df with a good p: NaN, errno 33. p outside [0, 1]: errno 33, and the calculation goes on to NaN.
+    Silent. A bad df: NaN, errno 33. A good df with p outside [0, 1]: errno 33, and the calculation goes
+    on to NaN. p a NaN: NaN, and errno 33 only if df is bad.
+    If no search arrives: the value reached, errno 33; no such argument is known.
+
+    References
+    ----------
+    A. R. Didonato, A. H. Morris, Computation of the incomplete gamma function ratios and their inverse,
+    ACM Transactions on Mathematical Software 12, 1986.
 
     Notes
     -----
@@ -949,32 +1405,51 @@ def chi_squared_icdf(p, df, *, upper=False, out=None, where=True):
     Examples
     --------
     >>> from orvanth import chi_squared_icdf
-    >>> print(f"{chi_squared_icdf(p=0.999999999999999, df=4.0, upper=False):.6g}")
-    76.4169
+    >>> print(f"{chi_squared_icdf(p=0.95, df=1, upper=False):.6g}")
+    3.84146
+    >>> print(f"{chi_squared_icdf(p=0.05, df=1, upper=True):.6g}")
+    3.84146
+    >>> print(f"{chi_squared_icdf(p=1, df=3, upper=False):.6g}")
+    inf
+    >>> print(f"{chi_squared_icdf(p=1.5, df=3, upper=False):.6g}")
+    nan
     """
     return _ufuncs.ChiSquaredICDF(p, df, upper, out=out, where=where)
 
 
 def fisher_f_pdf(x, df1, df2, *, out=None, where=True):
-    """Density of the Fisher's F distribution.
+    """Density of Fisher's F distribution.
 
     Parameters
     ----------
     x : float
         not below 0, finite
     df1 : float
-        numerator degrees of freedom, greater than 0, finite
+        degrees of freedom of the numerator, greater than 0, finite
     df2 : float
-        denominator degrees of freedom, greater than 0, finite
+        degrees of freedom of the denominator, greater than 0, finite
 
     Returns
     -------
     result : float
-        the density. At x = 0: +infinity with errno 34 for df1 < 2, 1 for df1 = 2, 0 above.
+        the density.
+
+    Formula
+    -------
+    r^(df1/2) x^(df1/2-1) (1 + r x)^(-(df1+df2)/2) / B(df1/2, df2/2) with r = df1/df2
+
+    Edges
+    -----
+    x = 0: +infinity with errno 34 for df1 < 2, 1 for df1 = 2, 0 for df1 > 2.
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad df1, df2 or x: NaN, errno 33.
+    Silent. A bad df1, df2 or x, NaN and infinity included: NaN, errno 33. A density beyond the largest
+    double: +infinity, errno 34.
+
+    References
+    ----------
+    N. L. Johnson, S. Kotz, N. Balakrishnan, Continuous Univariate Distributions 2, Wiley, 1995.
 
     Notes
     -----
@@ -984,34 +1459,51 @@ def fisher_f_pdf(x, df1, df2, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import fisher_f_pdf
-    >>> print(f"{fisher_f_pdf(x=1000000.0, df1=4.0, df2=7.0):.6g}")
-    1.11663e-25
+    >>> print(f"{fisher_f_pdf(x=1, df1=3, df2=5):.6g}")
+    0.361174
+    >>> print(f"{fisher_f_pdf(x=0, df1=2, df2=5):.6g}")
+    1
+    >>> print(f"{fisher_f_pdf(x=0, df1=1, df2=5):.6g}")
+    inf
     """
     return _ufuncs.FisherFPDF(x, df1, df2, out=out, where=where)
 
 
 def fisher_f_cdf(x, df1, df2, *, upper=False, out=None, where=True):
-    """Cumulative probability of the Fisher's F distribution.
+    """Cumulative probability of Fisher's F distribution.
 
     Parameters
     ----------
     x : float
         not below 0, finite
     df1 : float
-        numerator degrees of freedom, greater than 0, finite
+        degrees of freedom of the numerator, greater than 0, finite
     df2 : float
-        denominator degrees of freedom, greater than 0, finite
+        degrees of freedom of the denominator, greater than 0, finite
     upper : bool
-        clear: P(X <= x); set: P(X > x)
+        clear: the lower tail; set: the upper tail. Only the low byte counts
 
     Returns
     -------
     result : float
-        the probability; 0 at x = 0 (upper tail 1). An infinite x is refused.
+        P(X <= x), with the flag set P(X > x).
+
+    Formula
+    -------
+    I_z(df1/2, df2/2) with z = df1 x / (df1 x + df2), with the flag set 1 - I_z(df1/2, df2/2)
+
+    Edges
+    -----
+    x = 0: 0, with the flag set 1. x = +infinity is refused.
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad df1, df2 or x: NaN, errno 33.
+    Silent. A bad df1, df2 or x, NaN and infinity included: NaN, errno 33.
+
+    References
+    ----------
+    A. R. Didonato, A. H. Morris, Algorithm 708: Significant digit computation of the incomplete beta
+    function ratios, ACM Transactions on Mathematical Software 18, 1992.
 
     Notes
     -----
@@ -1021,34 +1513,55 @@ def fisher_f_cdf(x, df1, df2, *, upper=False, out=None, where=True):
     Examples
     --------
     >>> from orvanth import fisher_f_cdf
-    >>> print(f"{fisher_f_cdf(x=1.3, df1=4.0, df2=7.0, upper=False):.6g}")
-    0.643469
+    >>> print(f"{fisher_f_cdf(x=5.41, df1=3, df2=5, upper=False):.6g}")
+    0.950009
+    >>> print(f"{fisher_f_cdf(x=5.41, df1=3, df2=5, upper=True):.6g}")
+    0.0499907
+    >>> print(f"{fisher_f_cdf(x=1e-12, df1=400, df2=1e15, upper=False):.6g}")
+    0
     """
     return _ufuncs.FisherFCDF(x, df1, df2, upper, out=out, where=where)
 
 
 def fisher_f_icdf(p, df1, df2, *, upper=False, out=None, where=True):
-    """Quantile of the Fisher's F distribution.
+    """Quantile of Fisher's F distribution.
 
     Parameters
     ----------
     p : float
         in [0, 1]
     df1 : float
-        numerator degrees of freedom, greater than 0, finite
+        degrees of freedom of the numerator, greater than 0, finite
     df2 : float
-        denominator degrees of freedom, greater than 0, finite
+        degrees of freedom of the denominator, greater than 0, finite
     upper : bool
-        clear: the lower tail is p; set: the upper tail is p
+        clear: the lower tail is p; set: the upper tail is p. Only the low byte counts
 
     Returns
     -------
     result : float
-        x; 0 at p = 0, +infinity at p = 1; in the upper tail the reverse.
+        x.
+
+    Formula
+    -------
+    df2 z / (df1 (1 - z)) for the z with I_z(df1/2, df2/2) = p, with the flag set
+    for the z with 1 - I_z(df1/2, df2/2) = p
+
+    Edges
+    -----
+    p = 0: 0. p = 1: +infinity, and errno stays as it was. With the flag set the reverse.
+    Where 1 - z underflows: +infinity, and errno stays as it was.
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad df1 with all else good: NaN, errno 33. Other bad input: errno 33, and the calculation goes on to NaN.
+    Silent. A bad df1 or df2: NaN, errno 33. Good ones with p outside [0, 1]: errno 33, and the
+    calculation goes on to NaN. p a NaN: NaN, and errno 33 only if df1 or df2 is bad.
+    If no search arrives: the value reached, errno 33; no such argument is known.
+
+    References
+    ----------
+    N. M. Temme, Asymptotic inversion of the incomplete beta function, Journal of Computational and
+    Applied Mathematics 41, 1992.
 
     Notes
     -----
@@ -1058,14 +1571,18 @@ def fisher_f_icdf(p, df1, df2, *, upper=False, out=None, where=True):
     Examples
     --------
     >>> from orvanth import fisher_f_icdf
-    >>> print(f"{fisher_f_icdf(p=0.999999999999999, df1=4.0, df2=7.0, upper=False):.6g}")
-    51935.7
+    >>> print(f"{fisher_f_icdf(p=0.95, df1=3, df2=5, upper=False):.6g}")
+    5.40945
+    >>> print(f"{fisher_f_icdf(p=0.05, df1=3, df2=5, upper=True):.6g}")
+    5.40945
+    >>> print(f"{fisher_f_icdf(p=1.5, df1=3, df2=5, upper=False):.6g}")
+    nan
     """
     return _ufuncs.FisherFICDF(p, df1, df2, upper, out=out, where=where)
 
 
 def gamma_pdf(x, shape, scale, *, out=None, where=True):
-    """Density of the gamma distribution, by scale and not by rate.
+    """Density of the gamma distribution.
 
     Parameters
     ----------
@@ -1074,16 +1591,30 @@ def gamma_pdf(x, shape, scale, *, out=None, where=True):
     shape : float
         greater than 0, finite
     scale : float
-        greater than 0, finite
+        greater than 0, finite; not a rate
 
     Returns
     -------
     result : float
-        x^(shape-1) exp(-x/scale) / (scale^shape Gamma(shape)). At x = 0 the answer is 0 for every shape, on purpose.
+        the density.
+
+    Formula
+    -------
+    x^(shape-1) exp(-x/scale) / (scale^shape Gamma(shape))
+
+    Edges
+    -----
+    x = 0: 0 for every shape, also for a shape of 1 or less, where the density tends to 1/scale or to
+    infinity.
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad shape, scale or x: NaN, errno 33.
+    Silent. A bad shape, scale or x, NaN and infinity included: NaN, errno 33. A density beyond the
+    largest double: +infinity, errno 34.
+
+    References
+    ----------
+    N. L. Johnson, S. Kotz, N. Balakrishnan, Continuous Univariate Distributions 1, Wiley, 1994.
 
     Notes
     -----
@@ -1093,14 +1624,16 @@ def gamma_pdf(x, shape, scale, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import gamma_pdf
-    >>> print(f"{gamma_pdf(x=0.44731064986692187, shape=15.23857407895002, scale=0.03876260872802549):.6g}")
-    2.02186
+    >>> print(f"{gamma_pdf(x=2, shape=3, scale=1.5):.6g}")
+    0.156206
+    >>> print(f"{gamma_pdf(x=0, shape=0.5, scale=1):.6g}")
+    0
     """
     return _ufuncs.GammaPDF(x, shape, scale, out=out, where=where)
 
 
 def gamma_cdf(x, shape, scale, *, upper=False, out=None, where=True):
-    """Cumulative probability of the gamma distribution, by scale and not by rate.
+    """Cumulative probability of the gamma distribution.
 
     Parameters
     ----------
@@ -1109,18 +1642,31 @@ def gamma_cdf(x, shape, scale, *, upper=False, out=None, where=True):
     shape : float
         greater than 0, finite
     scale : float
-        greater than 0, finite
+        greater than 0, finite; not a rate
     upper : bool
-        clear: P(X <= x); set: P(X > x)
+        clear: the lower tail; set: the upper tail. Only the low byte counts
 
     Returns
     -------
     result : float
-        the probability; 0 at x = 0 (upper tail 1). An infinite x is refused.
+        P(X <= x), with the flag set P(X > x).
+
+    Formula
+    -------
+    P(shape, x/scale), with the flag set Q(shape, x/scale)
+
+    Edges
+    -----
+    x = 0: 0, with the flag set 1. x = +infinity is refused.
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad shape, scale or x: NaN, errno 33.
+    Silent. A bad shape, scale or x, NaN and infinity included: NaN, errno 33.
+
+    References
+    ----------
+    A. R. Didonato, A. H. Morris, Computation of the incomplete gamma function ratios and their inverse,
+    ACM Transactions on Mathematical Software 12, 1986.
 
     Notes
     -----
@@ -1130,14 +1676,18 @@ def gamma_cdf(x, shape, scale, *, upper=False, out=None, where=True):
     Examples
     --------
     >>> from orvanth import gamma_cdf
-    >>> print(f"{gamma_cdf(x=1.3, shape=4.0, scale=7.0, upper=False):.6g}")
-    4.27413e-05
+    >>> print(f"{gamma_cdf(x=2, shape=3, scale=1.5, upper=False):.6g}")
+    0.150631
+    >>> print(f"{gamma_cdf(x=100, shape=3, scale=1.5, upper=True):.6g}")
+    2.55181e-26
+    >>> print(f"{gamma_cdf(x=1, shape=2, scale=-1, upper=False):.6g}")
+    nan
     """
     return _ufuncs.GammaCDF(x, shape, scale, upper, out=out, where=where)
 
 
 def gamma_icdf(p, shape, scale, *, upper=False, out=None, where=True):
-    """Quantile of the gamma distribution, by scale and not by rate.
+    """Quantile of the gamma distribution.
 
     Parameters
     ----------
@@ -1146,18 +1696,32 @@ def gamma_icdf(p, shape, scale, *, upper=False, out=None, where=True):
     shape : float
         greater than 0, finite
     scale : float
-        greater than 0, finite
+        greater than 0, finite; not a rate
     upper : bool
-        clear: the lower tail is p; set: the upper tail is p
+        clear: the lower tail is p; set: the upper tail is p. Only the low byte counts
 
     Returns
     -------
     result : float
-        x; 0 at p = 0; +infinity with errno 34 at p = 1; in the upper tail the reverse.
+        x.
+
+    Formula
+    -------
+    scale times the y with P(shape, y) = p, with the flag set scale times the y with Q(shape, y) = p
+
+    Edges
+    -----
+    p = 0: 0. p = 1: +infinity with errno 34. With the flag set the reverse.
 
     Failure of the plain export
     ---------------------------
     Silent. A bad shape or scale, or p outside [0, 1] or a NaN: NaN, errno 33.
+    If no search arrives: the value reached, errno 33; no such argument is known.
+
+    References
+    ----------
+    A. R. Didonato, A. H. Morris, Computation of the incomplete gamma function ratios and their inverse,
+    ACM Transactions on Mathematical Software 12, 1986.
 
     Notes
     -----
@@ -1167,8 +1731,12 @@ def gamma_icdf(p, shape, scale, *, upper=False, out=None, where=True):
     Examples
     --------
     >>> from orvanth import gamma_icdf
-    >>> print(f"{gamma_icdf(p=0.999999999999999, shape=4.0, scale=7.0, upper=False):.6g}")
-    309.27
+    >>> print(f"{gamma_icdf(p=0.5, shape=3, scale=1.5, upper=False):.6g}")
+    4.01109
+    >>> print(f"{gamma_icdf(p=0.05, shape=3, scale=1.5, upper=True):.6g}")
+    9.44369
+    >>> print(f"{gamma_icdf(p=1, shape=3, scale=1.5, upper=False):.6g}")
+    inf
     """
     return _ufuncs.GammaICDF(p, shape, scale, upper, out=out, where=where)
 
@@ -1179,22 +1747,32 @@ def normal_pdf(x, mean, sd, *, out=None, where=True):
     Parameters
     ----------
     x : float
-        any double; an infinity gives 0
+        any double but a NaN
     mean : float
         finite
     sd : float
-        standard deviation, finite and greater than 0
+        standard deviation, greater than 0, finite
 
     Returns
     -------
     result : float
-        exp(-(x - mean)^2 / (2 sd^2)) / (sd sqrt(2 pi)). An infinite x gives 0 ahead of every other
-        answer, with a bad parameter too.
+        the density.
+
+    Formula
+    -------
+    exp(-(x - mean)^2 / (2 sd^2)) / (sd sqrt(2 pi))
+
+    Edges
+    -----
+    x = -infinity or +infinity: 0, also with a bad mean or sd, which then only sets errno.
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad sd or mean, or x a NaN: NaN, errno 33. With an infinite x and a bad parameter: 0,
-    errno 33.
+    Silent. A bad mean or sd: errno 33, and NaN unless x is infinite. x a NaN: NaN, errno 33.
+
+    References
+    ----------
+    N. L. Johnson, S. Kotz, N. Balakrishnan, Continuous Univariate Distributions 1, Wiley, 1994.
 
     Notes
     -----
@@ -1204,8 +1782,10 @@ def normal_pdf(x, mean, sd, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import normal_pdf
-    >>> print(f"{normal_pdf(x=0.0, mean=4.0, sd=7.0):.6g}")
-    0.0484068
+    >>> print(f"{normal_pdf(x=0.5, mean=0, sd=1):.6g}")
+    0.352065
+    >>> print(f"{normal_pdf(x=0.5, mean=0, sd=-1):.6g}")
+    nan
     """
     return _ufuncs.NormalPDF(x, mean, sd, out=out, where=where)
 
@@ -1216,25 +1796,36 @@ def normal_cdf(x, mean, sd, *, upper=False, out=None, where=True):
     Parameters
     ----------
     x : float
-        any double
+        any double but a NaN
     mean : float
         finite
     sd : float
-        standard deviation, finite and greater than 0
+        standard deviation, greater than 0, finite
     upper : bool
-        clear: P(X <= x); set: P(X > x)
+        clear: the lower tail; set: the upper tail. Only the low byte counts
 
     Returns
     -------
     result : float
-        erfc(-+(x - mean) / (sd sqrt 2)) / 2. At x = +infinity 1, at -infinity 0; in the upper tail
-        the reverse.
+        P(X <= x), with the flag set P(X > x).
+
+    Formula
+    -------
+    erfc(-(x - mean) / (sd sqrt(2))) / 2, with the flag set erfc((x - mean) / (sd sqrt(2))) / 2
+
+    Edges
+    -----
+    x = -infinity: 0. x = +infinity: 1. With the flag set the reverse, also with a bad mean or sd, which
+    then only sets errno; with the flag clear a bad mean or sd gives NaN there.
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad sd or mean, or x a NaN: NaN, errno 33. The two tails differ in order on purpose: the
-    upper tail answers an infinite x with 0 or 1 ahead of the parameters (errno is 33 all the same),
-    the lower tail after them.
+    Silent. A bad mean or sd: errno 33, and NaN but for the edge above. x a NaN: NaN, errno 33.
+
+    References
+    ----------
+    W. J. Cody, Rational Chebyshev approximations for the error function, Mathematics of Computation 23,
+    1969.
 
     Notes
     -----
@@ -1244,8 +1835,10 @@ def normal_cdf(x, mean, sd, *, upper=False, out=None, where=True):
     Examples
     --------
     >>> from orvanth import normal_cdf
-    >>> print(f"{normal_cdf(x=0.0, mean=4.0, sd=7.0, upper=False):.6g}")
-    0.283855
+    >>> print(f"{normal_cdf(x=1.96, mean=0, sd=1, upper=False):.6g}")
+    0.975002
+    >>> print(f"{normal_cdf(x=10, mean=0, sd=1, upper=True):.6g}")
+    7.61985e-24
     """
     return _ufuncs.NormalCDF(x, mean, sd, upper, out=out, where=where)
 
@@ -1260,18 +1853,30 @@ def normal_icdf(p, mean, sd, *, upper=False, out=None, where=True):
     mean : float
         finite
     sd : float
-        standard deviation, finite and greater than 0
+        standard deviation, greater than 0, finite
     upper : bool
-        clear: the lower tail is p; set: the upper tail is p
+        clear: the lower tail is p; set: the upper tail is p. Only the low byte counts
 
     Returns
     -------
     result : float
-        -+InverseErfC(2 p) sd sqrt 2 + mean. At p = 0 and p = 1 an infinity with errno 34.
+        x.
+
+    Formula
+    -------
+    mean - z sd sqrt(2) with erfc(z) = 2 p, with the flag set mean + z sd sqrt(2)
+
+    Edges
+    -----
+    p = 0: -infinity. p = 1: +infinity. Both with errno 34; with the flag set the reverse.
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad sd or mean, or p outside [0, 1] or a NaN: NaN, errno 33.
+    Silent. A bad mean or sd, or p outside [0, 1] or a NaN: NaN, errno 33.
+
+    References
+    ----------
+    J. Maddock, rational approximations by intervals of the inverse error function, Boost.Math, 2006.
 
     Notes
     -----
@@ -1281,30 +1886,46 @@ def normal_icdf(p, mean, sd, *, upper=False, out=None, where=True):
     Examples
     --------
     >>> from orvanth import normal_icdf
-    >>> print(f"{normal_icdf(p=1e-300, mean=4.0, sd=7.0, upper=False):.6g}")
-    -255.33
+    >>> print(f"{normal_icdf(p=0.975, mean=0, sd=1, upper=False):.6g}")
+    1.95996
+    >>> print(f"{normal_icdf(p=0.025, mean=3, sd=2, upper=True):.6g}")
+    6.91993
+    >>> print(f"{normal_icdf(p=0, mean=0, sd=1, upper=False):.6g}")
+    -inf
     """
     return _ufuncs.NormalICDF(p, mean, sd, upper, out=out, where=where)
 
 
 def student_t_pdf(x, df, *, out=None, where=True):
-    """Density of the Student's t distribution.
+    """Density of Student's t distribution.
 
     Parameters
     ----------
     x : float
-        any double
+        any double; not tested
     df : float
         degrees of freedom, greater than 0, finite
 
     Returns
     -------
     result : float
-        the density; 0 at +-infinity, NaN for NaN without errno.
+        the density.
+
+    Formula
+    -------
+    (1 + x^2/df)^(-(df+1)/2) / (sqrt(df) B(df/2, 1/2))
+
+    Edges
+    -----
+    x = -infinity or +infinity: 0. x a NaN: NaN, and errno stays as it was.
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad df: NaN, errno 33.
+    Silent. A bad df, NaN and infinity included: NaN, errno 33.
+
+    References
+    ----------
+    N. L. Johnson, S. Kotz, N. Balakrishnan, Continuous Univariate Distributions 2, Wiley, 1995.
 
     Notes
     -----
@@ -1314,32 +1935,46 @@ def student_t_pdf(x, df, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import student_t_pdf
-    >>> print(f"{student_t_pdf(x=0.0, df=5.0):.6g}")
-    0.379607
+    >>> print(f"{student_t_pdf(x=1.5, df=5):.6g}")
+    0.124517
     """
     return _ufuncs.StudentTPDF(x, df, out=out, where=where)
 
 
 def student_t_cdf(x, df, *, upper=False, out=None, where=True):
-    """Cumulative probability of the Student's t distribution.
+    """Cumulative probability of Student's t distribution.
 
     Parameters
     ----------
     x : float
-        any double
+        any double; not tested
     df : float
         degrees of freedom, greater than 0, finite
     upper : bool
-        clear: P(X <= x); set: P(X > x)
+        clear: the lower tail; set: the lower tail at -x. Only the low byte counts
 
     Returns
     -------
     result : float
-        the probability; 0.5 at x = 0. The upper tail is the lower tail at -x, bit for bit.
+        P(X <= x), with the flag set P(X > x), which is the lower tail at -x bit for bit.
+
+    Formula
+    -------
+    I_z(df/2, 1/2) / 2 with z = df / (df + x^2) for x < 0, 1 minus that for x > 0; with the flag set
+    the same at -x
+
+    Edges
+    -----
+    x = 0: 0.5. x^2 beyond the largest double: 0 or 1.
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad df: NaN, errno 33.
+    Silent. A bad df, NaN and infinity included: NaN, errno 33. x a NaN: NaN, and errno stays as it was.
+
+    References
+    ----------
+    A. R. Didonato, A. H. Morris, Algorithm 708: Significant digit computation of the incomplete beta
+    function ratios, ACM Transactions on Mathematical Software 18, 1992.
 
     Notes
     -----
@@ -1349,14 +1984,18 @@ def student_t_cdf(x, df, *, upper=False, out=None, where=True):
     Examples
     --------
     >>> from orvanth import student_t_cdf
-    >>> print(f"{student_t_cdf(x=0.0, df=5.0, upper=False):.6g}")
+    >>> print(f"{student_t_cdf(x=2.015, df=5, upper=False):.6g}")
+    0.949997
+    >>> print(f"{student_t_cdf(x=10, df=5, upper=True):.6g}")
+    8.54738e-05
+    >>> print(f"{student_t_cdf(x=0, df=5, upper=False):.6g}")
     0.5
     """
     return _ufuncs.StudentTCDF(x, df, upper, out=out, where=where)
 
 
 def student_t_icdf(p, df, *, upper=False, out=None, where=True):
-    """Quantile of the Student's t distribution.
+    """Quantile of Student's t distribution.
 
     Parameters
     ----------
@@ -1365,17 +2004,31 @@ def student_t_icdf(p, df, *, upper=False, out=None, where=True):
     df : float
         degrees of freedom, greater than 0, finite
     upper : bool
-        clear: the lower tail is p; set: the upper tail is p
+        clear: the lower tail is p; set: the result is negated. Only the low byte counts
 
     Returns
     -------
     result : float
-        x; -infinity at p = 0 and +infinity at p = 1, both with errno 34; 0 at p = 0.5. The tail flag negates the
-        result, so that p = 0.5 gives -0.
+        x.
+
+    Formula
+    -------
+    the x with StudentTCDF(x, df, 0) = p, negated with the flag set
+
+    Edges
+    -----
+    p = 0: -infinity. p = 1: +infinity. Both with errno 34. p = 0.5: 0. The flag negates them, so that
+    p = 0.5 gives -0.
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad df: NaN, errno 33. p outside [0, 1]: NaN, errno 33.
+    Silent. A bad df, or p outside [0, 1] or a NaN: NaN, errno 33. A result beyond the largest double:
+    an infinity, errno 34. If no search arrives: the value reached, errno 33; no such argument is known.
+
+    References
+    ----------
+    G. W. Hill, Algorithm 396: Student's t-quantiles, Communications of the ACM 13, 1970.
+    W. T. Shaw, Sampling Student's t distribution, Journal of Computational Finance 9, 2006.
 
     Notes
     -----
@@ -1385,8 +2038,14 @@ def student_t_icdf(p, df, *, upper=False, out=None, where=True):
     Examples
     --------
     >>> from orvanth import student_t_icdf
-    >>> print(f"{student_t_icdf(p=0.999999999999999, df=5.0, upper=False):.6g}")
-    1568.64
+    >>> print(f"{student_t_icdf(p=0.975, df=5, upper=False):.6g}")
+    2.57058
+    >>> print(f"{student_t_icdf(p=0.025, df=5, upper=True):.6g}")
+    2.57058
+    >>> print(f"{student_t_icdf(p=0.26331, df=0.0018, upper=False):.6g}")
+    -1.12363e+153
+    >>> print(f"{student_t_icdf(p=0, df=5, upper=False):.6g}")
+    -inf
     """
     return _ufuncs.StudentTICDF(p, df, upper, out=out, where=where)
 
@@ -1397,21 +2056,39 @@ def binomial_pdf(k, n, p, *, out=None, where=True):
     Parameters
     ----------
     k : float
-        successes, 0 to n; need not be whole
+        successes, 0 to n; need not be whole and is not rounded
     n : float
-        trials, not below 0, finite
+        trials, at least 0, finite; need not be whole
     p : float
         success fraction in [0, 1]
 
     Returns
     -------
     result : float
-        P(X = k). With p = 0 or p = 1 or n = 0 the mass stands at one point.
+        P(X = k).
+
+    Formula
+    -------
+    C(n, k) p^k (1 - p)^(n - k), computed as the derivative of the incomplete beta function with
+    parameters k + 1 and n - k + 1 at p, divided by n + 1. It extends to any real k and n.
+
+    Edges
+    -----
+    p = 0: 1 for k = 0, else 0. p = 1: 1 for k = n, else 0. n = 0: 1. k = 0: (1 - p)^n. k = n: p^n.
 
     Failure of the plain export
     ---------------------------
-    Throws std::domain_error, tests in this order: "Success fraction argument is ...", "Number of Trials argument is
-    ...", "Number of Successes argument is ..." (below 0, or above n).
+    std::domain_error, tested in this order. Every text begins "Error in function boost::math::".
+    p outside [0, 1] or a NaN: "... Success fraction argument is ..., but must be >= 0 and <= 1 !".
+    n negative, infinite or a NaN: "... Number of Trials argument is ..., but must be >= 0 !".
+    k negative, infinite or a NaN: "... Number of Successes argument is ..., but must be >= 0 !".
+    k > n: "... Number of Successes argument is ..., but must be <= Number of Trials !".
+    Nothing sets errno.
+
+    References
+    ----------
+    A. R. DiDonato, A. H. Morris, Algorithm 708: Significant digit computation of the incomplete beta
+    function ratios, ACM Transactions on Mathematical Software 18, 1992.
 
     Notes
     -----
@@ -1421,8 +2098,12 @@ def binomial_pdf(k, n, p, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import binomial_pdf
-    >>> print(f"{binomial_pdf(k=0.0, n=10.0, p=0.4):.6g}")
-    0.00604662
+    >>> print(f"{binomial_pdf(k=3, n=10, p=0.4):.6g}")
+    0.214991
+    >>> print(f"{binomial_pdf(k=2.5, n=10, p=0.5):.6g}")
+    0.0759789
+    >>> print(f"{binomial_pdf(k=0, n=0, p=0.5):.6g}")
+    1
     """
     return _ufuncs.BinomialPDF(k, n, p, out=out, where=where)
 
@@ -1433,22 +2114,41 @@ def binomial_cdf(k, n, p, *, upper=False, out=None, where=True):
     Parameters
     ----------
     k : float
-        successes, 0 to n; need not be whole: the formula extends to it
+        successes, 0 to n; need not be whole and is not rounded
     n : float
-        trials, not below 0, finite
+        trials, at least 0, finite; need not be whole
     p : float
         success fraction in [0, 1]
     upper : bool
-        clear: P(X <= k); set: P(X > k)
+        clear: P(X <= k); set: P(X > k). Only the low byte counts
 
     Returns
     -------
     result : float
-        1 - I_p(k + 1, n - k), in the upper tail I_p(k + 1, n - k); at k = n 1 and 0.
+        the probability.
+
+    Formula
+    -------
+    P(X <= k) = I_(1-p)(n - k, k + 1), P(X > k) = I_p(k + 1, n - k), where I is the regularized
+    incomplete beta function. Each tail is evaluated by itself. The formula extends to any real k.
+
+    Edges
+    -----
+    k = n or p = 0: 1 (tail set: 0). Otherwise p = 1: 0 (tail set: 1).
 
     Failure of the plain export
     ---------------------------
-    As BinomialPDF: a k above n throws, it does not answer 1.
+    std::domain_error, tested in this order. Every text begins "Error in function boost::math::".
+    p outside [0, 1] or a NaN: "... Success fraction argument is ..., but must be >= 0 and <= 1 !".
+    n negative, infinite or a NaN: "... Number of Trials argument is ..., but must be >= 0 !".
+    k negative, infinite or a NaN: "... Number of Successes argument is ..., but must be >= 0 !".
+    k > n: "... Number of Successes argument is ..., but must be <= Number of Trials !".
+    A k above n throws; the answer is not 1. Nothing sets errno.
+
+    References
+    ----------
+    A. R. DiDonato, A. H. Morris, Algorithm 708: Significant digit computation of the incomplete beta
+    function ratios, ACM Transactions on Mathematical Software 18, 1992.
 
     Notes
     -----
@@ -1458,8 +2158,12 @@ def binomial_cdf(k, n, p, *, upper=False, out=None, where=True):
     Examples
     --------
     >>> from orvanth import binomial_cdf
-    >>> print(f"{binomial_cdf(k=0.0, n=10.0, p=0.4, upper=False):.6g}")
-    0.00604662
+    >>> print(f"{binomial_cdf(k=3, n=10, p=0.4, upper=False):.6g}")
+    0.382281
+    >>> print(f"{binomial_cdf(k=3, n=10, p=0.4, upper=True):.6g}")
+    0.617719
+    >>> print(f"{binomial_cdf(k=10, n=10, p=0.4, upper=False):.6g}")
+    1
     """
     return _ufuncs.BinomialCDF(k, n, p, upper, out=out, where=where)
 
@@ -1472,24 +2176,50 @@ def binomial_icdf(probability, n, p, *, roundUp, upper=False, out=None, where=Tr
     probability : float
         in [0, 1]
     n : float
-        trials, not below 0, finite
+        trials, at least 0, finite
     p : float
         success fraction in [0, 1]
     upper : bool
-        set: 1 - probability, rounded, takes the place of the probability
+        clear: lower tail; set: upper tail. Only the low byte counts
     roundUp : int
-        zero: the floor of the real solution; any other word: its ceiling
+        zero: floor; any other value: ceiling. The whole word counts
 
     Returns
     -------
     result : float
-        k; 0 where the probability does not exceed (1 - p)^n, n at probability 1.
+        the count.
+
+    Formula
+    -------
+    With P = probability, or P = 1 - probability if tail is set, let k solve P(X <= k) = P in real
+    numbers. The result is floor(k) or ceil(k), as roundUp says. The search starts from a Cornish-Fisher
+    estimate and runs on the smaller of the two tails.
+
+    Edges
+    -----
+    P = 0, or P <= (1 - p)^n: 0. P = 1: n. p = 1 with 0 < P < 1: n - 1 rounded down, n rounded up.
+    Many counts whose tails are equal as doubles: floor or ceiling of the one on which the search ends.
 
     Failure of the plain export
     ---------------------------
-    Throws std::domain_error as BinomialPDF, and "Probability argument is ..." with the lower tail, which for a set tail
-    is 1 - probability. Beyond 2^52 trials, where neighbouring counts are neighbouring doubles, the search may end in
-    "Parameters a and b out of order ..." (std::domain_error).
+    std::domain_error, tested in this order. Every text begins "Error in function boost::math::".
+    p outside [0, 1] or a NaN: "... Success fraction argument is ..., but must be >= 0 and <= 1 !".
+    n negative, infinite or a NaN: "... Number of Trials argument is ..., but must be >= 0 !".
+    P outside [0, 1] or a NaN: "... Probability argument is ..., but must be >= 0 and <= 1 !".
+    boost::math::evaluation_error, "... Unable to bracket root, last nearest value was ...", where 200
+    steps do not reach the solution. This happens for tiny p (seen from 1e-9 down) with more than 100
+    trials and P within some 1e-14 of 1: the estimate is near 10 and the solution below 1. Rounding up
+    fails more often than rounding down.
+    std::domain_error, "... Parameters a and b out of order: a=...", ends some searches beyond 2^52
+    trials, where neighbouring counts are neighbouring doubles.
+    Nothing sets errno.
+
+    References
+    ----------
+    E. A. Cornish, R. A. Fisher, Moments and cumulants in the specification of distributions, Revue de
+    l'Institut International de Statistique 5, 1938.
+    G. E. Alefeld, F. A. Potra, Y. Shi, Algorithm 748: Enclosing zeros of continuous functions, ACM
+    Transactions on Mathematical Software 21, 1995.
 
     Notes
     -----
@@ -1499,36 +2229,61 @@ def binomial_icdf(probability, n, p, *, roundUp, upper=False, out=None, where=Tr
     Examples
     --------
     >>> from orvanth import binomial_icdf
-    >>> print(f"{binomial_icdf(probability=1.0, n=10.0, p=0.4, upper=False, roundUp=0):.6g}")
-    10
+    >>> print(f"{binomial_icdf(probability=0.5, n=10, p=0.4, upper=False, roundUp=0):.6g}")
+    3
+    >>> print(f"{binomial_icdf(probability=0.5, n=10, p=0.4, upper=False, roundUp=1):.6g}")
+    4
+    >>> print(f"{binomial_icdf(probability=1, n=10, p=0.4, upper=True, roundUp=1):.6g}")
+    0
     """
     return _ufuncs.BinomialICDF(probability, n, p, upper, roundUp, out=out, where=where)
 
 
 def binomial_ps(alpha, successes, trials, boundSelector, *, out=None, where=True):
-    """One-sided exact bound on the success fraction (Clopper-Pearson).
+    """One-sided exact bound on the success fraction of a binomial distribution.
 
     Parameters
     ----------
     alpha : float
-        one-sided tail area in [0, 1]; for a two-sided interval pass half of it to each bound
+        one-sided tail area in [0, 1]
     successes : float
-        0 to trials
+        0 to trials; need not be whole
     trials : float
-        not below 0, finite
+        at least 0, finite; need not be whole
     boundSelector : int
-        0: lower bound, 1: upper bound; the whole word counts
+        0: lower bound; 1: upper bound. The whole word counts
 
     Returns
     -------
     result : float
-        the bound; 0 for no success (lower), 1 for no failure (upper), alpha then unseen; -1 for any other
-        selector, without a test of the other arguments.
+        the bound.
+
+    Formula
+    -------
+    With k = successes and n = trials the lower bound is the p with P(X >= k) = alpha, the upper bound
+    the p with P(X <= k) = alpha. Both are quantiles of a beta distribution. For a two-sided interval of
+    level 1 - a pass alpha = a / 2 to each bound.
+
+    Edges
+    -----
+    Any other boundSelector: -1, without a test of the other arguments. Lower bound of 0 successes: 0.
+    Upper bound of successes = trials: 1. In these two cases alpha is not tested. alpha a NaN: NaN.
 
     Failure of the plain export
     ---------------------------
-    Throws std::domain_error: "Number of Trials argument is ...", "Number of Successes argument is ...", "Argument p
-    outside the range [0,1] ..." (lower) or "Argument q ..." (upper).
+    std::domain_error, tested in this order. Every text begins "Error in function boost::math::".
+    trials negative, infinite or a NaN: "... Number of Trials argument is ..., but must be >= 0 !".
+    successes negative, infinite or a NaN: "... Number of Successes argument is ..., but must be >= 0
+    !".
+    successes > trials: "... Number of Successes argument is ..., but must be <= Number of Trials !".
+    alpha outside [0, 1]: "... Argument p outside the range [0,1] in the incomplete beta function
+    inverse (got p=...)." for the lower bound, "... Argument q ..." for the upper.
+    Nothing sets errno.
+
+    References
+    ----------
+    C. J. Clopper, E. S. Pearson, The use of confidence or fiducial limits illustrated in the case of
+    the binomial, Biometrika 26, 1934.
 
     Notes
     -----
@@ -1538,8 +2293,12 @@ def binomial_ps(alpha, successes, trials, boundSelector, *, out=None, where=True
     Examples
     --------
     >>> from orvanth import binomial_ps
-    >>> print(f"{binomial_ps(alpha=0.025, successes=10.0, trials=10.0, boundSelector=0):.6g}")
-    0.691503
+    >>> print(f"{binomial_ps(alpha=0.025, successes=3, trials=10, boundSelector=0):.6g}")
+    0.0667395
+    >>> print(f"{binomial_ps(alpha=0.025, successes=3, trials=10, boundSelector=1):.6g}")
+    0.652453
+    >>> print(f"{binomial_ps(alpha=0.025, successes=3, trials=10, boundSelector=2):.6g}")
+    -1
     """
     return _ufuncs.BinomialPS(alpha, successes, trials, boundSelector, out=out, where=where)
 
@@ -1550,24 +2309,47 @@ def hypergeometric_pdf(x, r, n, N, *, out=None, where=True):
     Parameters
     ----------
     x : float
-        count; must be whole and in the support, max(0, n + r - N) to min(n, r)
+        marked items in the sample: whole, from max(0, n + r - N) to min(n, r)
     r : float
-        marked items in the population, at most N; a fraction is cut off towards zero, and beyond unsigned 32 bits the count wraps around
+        marked items in the population: at least 0, at most N; a fraction is cut off
     n : float
-        sample size, at most N, cut off likewise
+        sample size: at least 0, at most N; a fraction is cut off
     N : float
-        population size, cut off likewise
+        population size: 0 to 2^32 - 1; a fraction is cut off
 
     Returns
     -------
     result : float
-        P(X = x).
+        P(X = x), clamped to [0, 1].
+
+    Formula
+    -------
+    C(r, x) C(N - r, n - x) / C(N, n), as a ratio of nine factorials. For N to 170 they are doubles, for
+    N to 104729 they have twice the digits of a double, above they are Lanczos approximations.
+
+    Edges
+    -----
+    A count outside 0 to 2^32 - 1 wraps around modulo 2^32; from 2^63 on, an infinity or a NaN is 0.
 
     Failure of the plain export
     ---------------------------
-    Throws std::domain_error: "Parameter r out of range ...", "Parameter n out of range ...", "Random variable out of
-    range ..." (not whole, negative, outside the support); boost::math::rounding_error for an x that no 32-bit integer
-    holds, a NaN too.
+    std::domain_error, tested in this order; every text begins "Error in function boost::math::".
+    r > N: "... Parameter r out of range: must be <= N but got ...". n > N: the same with n.
+    boost::math::rounding_error if x is a NaN, infinite or beyond a signed 32-bit integer: "... Value
+    ... can not be represented in the target integer type.".
+    Then std::domain_error. x negative or not whole: "... Random variable out of range: must be an
+    integer but got ...". x below n + r - N: "... must be > 0 and > m + r - N but got ...". x above
+    min(n, r): "... must be less than both n and r but got ...". n + r - N is a signed 32-bit number
+    here: where it leaves that range its sign changes.
+    Nothing sets errno.
+
+    References
+    ----------
+    N. L. Johnson, A. W. Kemp, S. Kotz, Univariate Discrete Distributions, third edition, Wiley, 2005.
+    T. J. Dekker, A floating-point technique for extending the available precision, Numerische
+    Mathematik 18, 1971.
+    C. Lanczos, A precision approximation of the gamma function, SIAM Journal on Numerical Analysis 1,
+    1964.
 
     Notes
     -----
@@ -1577,8 +2359,10 @@ def hypergeometric_pdf(x, r, n, N, *, out=None, where=True):
     Examples
     --------
     >>> from orvanth import hypergeometric_pdf
-    >>> print(f"{hypergeometric_pdf(x=0.0, r=5.0, n=6.0, N=20.0):.6g}")
-    0.129128
+    >>> print(f"{hypergeometric_pdf(x=2, r=5, n=6, N=20):.6g}")
+    0.352167
+    >>> print(f"{hypergeometric_pdf(x=0, r=1000, n=50, N=50000):.6g}")
+    0.363988
     """
     return _ufuncs.HypergeometricPDF(x, r, n, N, out=out, where=where)
 
@@ -1589,24 +2373,49 @@ def hypergeometric_cdf(x, r, n, N, *, upper=False, out=None, where=True):
     Parameters
     ----------
     x : float
-        count, as for HypergeometricPDF
+        marked items in the sample: whole, from max(0, n + r - N) to min(n, r)
     r : float
-        marked items in the population, at most N; a fraction is cut off towards zero, and beyond unsigned 32 bits the count wraps around
+        marked items in the population: at least 0, at most N; a fraction is cut off
     n : float
-        sample size, at most N, cut off likewise
+        sample size: at least 0, at most N; a fraction is cut off
     N : float
-        population size, cut off likewise
+        population size: 0 to 2^32 - 1; a fraction is cut off
     upper : bool
-        clear: P(X <= x); set: P(X > x)
+        clear: P(X <= x); set: P(X > x). Only the low byte counts
 
     Returns
     -------
     result : float
-        the probability, clamped to [0, 1]; 1 at the end of the support (upper tail 0).
+        the probability, clamped to [0, 1].
+
+    Formula
+    -------
+    A sum of C(r, i) C(N - r, n - i) / C(N, n): down from x if x is below the mode
+    floor((r + 1)(n + 1) / (N + 2)), otherwise up from x + 1. Each term comes from the one before by the
+    ratio of the two. The sum ends where a term falls to machine epsilon times the sum, or to machine
+    epsilon where the result is 1 minus the sum. The time is proportional to the number of terms.
+
+    Edges
+    -----
+    x = min(n, r): 1 (tail set: 0).
+    A count outside 0 to 2^32 - 1 wraps around modulo 2^32; from 2^63 on, an infinity or a NaN is 0.
 
     Failure of the plain export
     ---------------------------
-    As HypergeometricPDF: an x outside the support throws.
+    std::domain_error, tested in this order; every text begins "Error in function boost::math::".
+    r > N: "... Parameter r out of range: must be <= N but got ...". n > N: the same with n.
+    boost::math::rounding_error if x is a NaN, infinite or beyond a signed 32-bit integer: "... Value
+    ... can not be represented in the target integer type.".
+    Then std::domain_error. x negative or not whole: "... Random variable out of range: must be an
+    integer but got ...". x below n + r - N: "... must be > 0 and > m + r - N but got ...". x above
+    min(n, r): "... must be less than both n and r but got ...". n + r - N is a signed 32-bit number
+    here: where it leaves that range its sign changes.
+    Nothing sets errno.
+    A value outside the support throws; the answer is not 0 or 1.
+
+    References
+    ----------
+    N. L. Johnson, A. W. Kemp, S. Kotz, Univariate Discrete Distributions, third edition, Wiley, 2005.
 
     Notes
     -----
@@ -1616,8 +2425,12 @@ def hypergeometric_cdf(x, r, n, N, *, upper=False, out=None, where=True):
     Examples
     --------
     >>> from orvanth import hypergeometric_cdf
-    >>> print(f"{hypergeometric_cdf(x=0.0, r=5.0, n=6.0, N=20.0, upper=False):.6g}")
-    0.129128
+    >>> print(f"{hypergeometric_cdf(x=2, r=5, n=6, N=20, upper=False):.6g}")
+    0.868679
+    >>> print(f"{hypergeometric_cdf(x=2, r=5, n=6, N=20, upper=True):.6g}")
+    0.131321
+    >>> print(f"{hypergeometric_cdf(x=5, r=5, n=6, N=20, upper=False):.6g}")
+    1
     """
     return _ufuncs.HypergeometricCDF(x, r, n, N, upper, out=out, where=where)
 
@@ -1630,23 +2443,44 @@ def hypergeometric_icdf(p, r, n, N, *, upper=False, out=None, where=True):
     p : float
         in [0, 1]
     r : float
-        marked items in the population, at most N; a fraction is cut off towards zero, and beyond unsigned 32 bits the count wraps around
+        marked items in the population: at least 0, at most N; a fraction is cut off
     n : float
-        sample size, at most N, cut off likewise
+        sample size: at least 0, at most N; a fraction is cut off
     N : float
-        population size, cut off likewise
+        population size: 0 to 2^32 - 1; a fraction is cut off
     upper : bool
-        clear: the lower tail is p; set: the upper tail is p
+        clear: the lower tail is p; set: the upper tail is p. Only the low byte counts
 
     Returns
     -------
     result : float
-        the count; the lower end of the support at p = 0, the upper end at p = 1.
+        the count.
+
+    Formula
+    -------
+    With P = p, or P = 1 - p if tail is set: a count x with P(X < x) <= P <= P(X <= x), found by adding
+    probabilities from the lower end of the support for P <= 1/2, otherwise from the upper end. A P that
+    meets a step of the distribution goes to the count above the step; it meets a step within a relative
+    slack of 50 machine epsilons for N to 104729 and of 2 N machine epsilons above. The time is
+    proportional to the number of probabilities that are not negligible.
+
+    Edges
+    -----
+    p = 0: max(0, n + r - N) (tail set: min(n, r)). p = 1: min(n, r) (tail set: max(0, n + r - N)).
+    A count outside 0 to 2^32 - 1 wraps around modulo 2^32; from 2^63 on, an infinity or a NaN is 0.
 
     Failure of the plain export
     ---------------------------
-    Throws std::domain_error: "Parameter r out of range ...", "Parameter n out of range ...", "Probability argument is
-    ...".
+    std::domain_error, tested in this order.
+    r > N: "Error in function boost::math::hypergeometric_distribution<double>::... Parameter r out of
+    range: must be <= N but got ...". n > N: the same with n.
+    p outside [0, 1] or a NaN: "Error in function ... Probability argument is ..., but must be >= 0 and
+    <= 1 !".
+    Nothing sets errno.
+
+    References
+    ----------
+    N. L. Johnson, A. W. Kemp, S. Kotz, Univariate Discrete Distributions, third edition, Wiley, 2005.
 
     Notes
     -----
@@ -1656,8 +2490,12 @@ def hypergeometric_icdf(p, r, n, N, *, upper=False, out=None, where=True):
     Examples
     --------
     >>> from orvanth import hypergeometric_icdf
-    >>> print(f"{hypergeometric_icdf(p=1.0, r=5.0, n=6.0, N=20.0, upper=False):.6g}")
-    5
+    >>> print(f"{hypergeometric_icdf(p=0.95, r=5, n=6, N=20, upper=False):.6g}")
+    3
+    >>> print(f"{hypergeometric_icdf(p=0.3, r=5, n=6, N=20, upper=False):.6g}")
+    1
+    >>> print(f"{hypergeometric_icdf(p=1, r=15, n=8, N=20, upper=True):.6g}")
+    3
     """
     return _ufuncs.HypergeometricICDF(p, r, n, N, upper, out=out, where=where)
 
@@ -1800,22 +2638,41 @@ def mca_cdf(x, k, df, lambda_, *, upper=False, out=None):
     k : int
         number of groups, at least 1
     df : float
-        degrees of freedom of the scale, greater than 0; infinity and all from 1000 on: known scale
+        degrees of freedom of the scale, greater than 0; from 1000 on a known scale
     lambda_ : array of float
-        k coefficients, only read; lambda[0] = 1/sqrt 2 for the studentised range
+        k coefficients in [-1, 1], all read; the first counts, 1/sqrt 2 for the range
     upper : bool
-        clear: P(X <= x); set: 1 minus that
+        zero in its low byte: P(X <= x); otherwise 1 minus that
 
     Returns
     -------
     result : float
-        the probability, not clamped; about 0.9999999 at x = infinity. An odd power of the inner
-        probability may make it negative for negative x.
+        the probability.
+
+    Formula
+    -------
+    F(x) = integral over s > 0 of f(s) C(x s), f the density of sqrt(chi-squared / df),
+    C(v) = k integral of phi(y) [Phi(c a y) - Phi(c (a y - v))]^(k-1) dy, a = lambda_0,
+    c = 1/sqrt(1 - a^2).
+    F(x) = P(max over i < j of |T_ij| <= x).
+
+    Edges
+    -----
+    x = infinity: about 0.9999999 for df < 1000, otherwise 1 within rounding. x = 0: 0. A negative x:
+    the power of a negative number, with its sign. k = 1: the value at x = infinity, for every x.
+    Nothing is clamped.
 
     Failure of the plain export
     ---------------------------
-    Throws std::domain_error: df <= 0 or a NaN ("Degrees of freedom argument is ..."), x a NaN or |lambda[0]| > 1
-    ("Random variate x is ..."). errno stays as it was.
+    Throws std::domain_error: df <= 0 or NaN ("Degrees of freedom argument is ..."); x a NaN or
+    |lambda[0]| > 1 ("Random variate x is ..."); k = 0 (the same text). std::bad_alloc: k < 0, or no
+    memory for k doubles. errno stays as it was.
+
+    References
+    ----------
+    J. W. Tukey, The Problem of Multiple Comparisons, Princeton University, 1953. M. D. Copenhaver and
+    B. Holland, Computation of the distribution of the maximum studentized range statistic, Journal of
+    Statistical Computation and Simulation 30 (1988) 1-15
 
     Notes
     -----
@@ -1825,8 +2682,10 @@ def mca_cdf(x, k, df, lambda_, *, upper=False, out=None):
     Examples
     --------
     >>> from orvanth import mca_cdf
-    >>> print(f"{mca_cdf(x=2.741, k=3, df=10.0, lambda_=[0.7071067811865475, 0.7071067811865475, 0.7071067811865475], upper=False):.6g}")
-    0.949976
+    >>> print(f"{mca_cdf(x=2.5, k=3, df=10, lambda_=[0.7071067811865476, 0.7071067811865476, 0.7071067811865476], upper=False):.6g}")
+    0.925961
+    >>> print(f"{mca_cdf(x=2.5, k=3, df=10, lambda_=[0.7071067811865476, 0.7071067811865476, 0.7071067811865476], upper=True):.6g}")
+    0.0740392
     """
     return _ufuncs.MCaCDF(x, k, df, lambda_, upper, out=out)
 
@@ -1837,26 +2696,45 @@ def mca_icdf(p, k, df, lambda_, *, upper=False, out=None):
     Parameters
     ----------
     p : float
-        probability in (0, 0.9999999)
+        probability below the limit by df and k that stands at the head of this family
     k : int
-        number of groups, at least 2; with 2 the Student t quantile itself
+        number of groups, 2 to 46341
     df : float
-        degrees of freedom, finite and greater than 0
+        degrees of freedom, greater than 0 and finite
     lambda_ : array of float
-        k coefficients, only read
+        k coefficients in [-1, 1], all read; the first counts, 1/sqrt 2 for the range
     upper : bool
-        clear: P(X <= x) = p; set: P(X > x) = p, taken as 1 - p
+        zero in its low byte: P(X <= x) = p; otherwise P(X > x) = p, solved for 1 - p
 
     Returns
     -------
     result : float
-        x within a relative 2^-23.
+        x.
+
+    Formula
+    -------
+    The x with MCaCDF(x, k, df, lambda, 0) = p, by Algorithm 748 between the quantile of a
+    single comparison and Bonferroni's bound, to a bracket of relative width 2^-23; its midpoint.
+
+    Edges
+    -----
+    p = 0: 0 within 1e-6. k = 2: the quantile of Student's t itself, without integration, for every p
+    below 1.
 
     Failure of the plain export
     ---------------------------
-    Throws. std::domain_error: df <= 0 or not finite ("Degrees of freedom argument is ..."; an infinite df is
-    refused here although the cumulative form takes it); a p that has no solution ("Parameters a and b do not
-    bracket the root: a=..."). std::overflow_error, "Overflow Error": p = 1, with a set tail p = 0.
+    Throws std::domain_error: df <= 0 or not finite ("Degrees of freedom argument is ..."; an infinite
+    df is refused although MCaCDF takes it); p beyond the limit ("Parameters a and b do not bracket the
+    root: a=..."); p outside [0, 1], k of 0 or 1 ("Probability argument is ..."); |lambda[0]| > 1 with k
+    > 2 ("Random variate x is ..."). std::overflow_error, "Overflow Error": p = 1. With a set tail the
+    same for 1 - p. std::bad_alloc: k < 0, or no memory for k doubles. errno stays as it was.
+
+    References
+    ----------
+    J. W. Tukey, The Problem of Multiple Comparisons, Princeton University, 1953. M. D. Copenhaver and
+    B. Holland, Computation of the distribution of the maximum studentized range statistic, Journal of
+    Statistical Computation and Simulation 30 (1988) 1-15. G. E. Alefeld, F. A. Potra and Y. Shi,
+    Algorithm 748, ACM Transactions on Mathematical Software 21 (1995) 327-344
 
     Notes
     -----
@@ -1866,7 +2744,9 @@ def mca_icdf(p, k, df, lambda_, *, upper=False, out=None):
     Examples
     --------
     >>> from orvanth import mca_icdf
-    >>> print(f"{mca_icdf(p=0.95, k=3, df=10.0, lambda_=[0.7071067811865475, 0.7071067811865475, 0.7071067811865475], upper=False):.6g}")
+    >>> print(f"{mca_icdf(p=0.95, k=3, df=10, lambda_=[0.7071067811865476, 0.7071067811865476, 0.7071067811865476], upper=False):.6g}")
+    2.7413
+    >>> print(f"{mca_icdf(p=0.05, k=3, df=10, lambda_=[0.7071067811865476, 0.7071067811865476, 0.7071067811865476], upper=True):.6g}")
     2.7413
     """
     return _ufuncs.MCaICDF(p, k, df, lambda_, upper, out=out)
@@ -1882,20 +2762,40 @@ def mcb_cdf(x, k, df, lambda_, *, upper=False, out=None):
     k : int
         number of groups, at least 1
     df : float
-        degrees of freedom of the scale, greater than 0; from 1000 on the scale counts as known
+        degrees of freedom of the scale, greater than 0; from 1000 on a known scale
     lambda_ : array of float
-        k coefficients, only read; lambda[k-1] is not used
+        k coefficients in [-1, 1], all read; the first k - 1 count
     upper : bool
-        clear: P(X <= x); set: 1 minus that
+        zero in its low byte: P(X <= x); otherwise 1 minus that
 
     Returns
     -------
     result : float
-        the probability, not clamped; about 0.9999999 at x = infinity.
+        the probability.
+
+    Formula
+    -------
+    F(x) = integral over s > 0 of f(s) C(x s), f the density of sqrt(chi-squared / df),
+    C(v) = integral of phi(y) product over j < k-1 of Phi(c_j (lambda_j y + v)) dy,
+    c_j = 1/sqrt(1 - lambda_j^2).
+    F(x) = P(max over j of T_j <= x).
+
+    Edges
+    -----
+    x = infinity: about 0.9999999 for df < 1000, otherwise 1 within rounding. x = -infinity: 0. k of 0
+    or 1: the value at x = infinity, for every x. Nothing is clamped.
 
     Failure of the plain export
     ---------------------------
-    As MCaCDF; |lambda[j]| > 1 counts for every j but the last.
+    Throws std::domain_error: df <= 0 or NaN ("Degrees of freedom argument is ..."); x a NaN or
+    |lambda[j]| > 1 for a j below k - 1 ("Random variate x is ..."). std::bad_alloc: k < 0, or no memory
+    for k doubles. errno stays as it was.
+
+    References
+    ----------
+    J. C. Hsu, Simultaneous confidence intervals for all distances from the "best", Annals of Statistics
+    9 (1981) 1026-1034. C. W. Dunnett, A multiple comparison procedure for comparing several treatments
+    with a control, Journal of the American Statistical Association 50 (1955) 1096-1121
 
     Notes
     -----
@@ -1905,8 +2805,10 @@ def mcb_cdf(x, k, df, lambda_, *, upper=False, out=None):
     Examples
     --------
     >>> from orvanth import mcb_cdf
-    >>> print(f"{mcb_cdf(x=2.741, k=3, df=10.0, lambda_=[0.7071067811865475, 0.7071067811865475, 0.7071067811865475], upper=False):.6g}")
-    0.981264
+    >>> print(f"{mcb_cdf(x=2.5, k=3, df=10, lambda_=[0.7071067811865476, 0.7071067811865476, 0.7071067811865476], upper=False):.6g}")
+    0.971937
+    >>> print(f"{mcb_cdf(x=2.5, k=3, df=10, lambda_=[0.6, 0.8, 0.5], upper=False):.6g}")
+    0.971763
     """
     return _ufuncs.MCbCDF(x, k, df, lambda_, upper, out=out)
 
@@ -1917,24 +2819,45 @@ def mcb_icdf(p, k, df, lambda_, *, upper=False, out=None):
     Parameters
     ----------
     p : float
-        probability in (0, 0.9999999)
+        probability below the limit by df and k that stands at the head of this family
     k : int
-        number of groups, at least 2; with 2 the Student t quantile itself
+        number of groups, 2 to 46341
     df : float
-        degrees of freedom, finite and greater than 0
+        degrees of freedom, greater than 0 and finite
     lambda_ : array of float
-        k coefficients, only read; lambda[k-1] is not used
+        k coefficients in [-1, 1], all read; the first k - 1 count
     upper : bool
-        clear: P(X <= x) = p; set: P(X > x) = p, taken as 1 - p
+        zero in its low byte: P(X <= x) = p; otherwise P(X > x) = p, solved for 1 - p
 
     Returns
     -------
     result : float
-        x within a relative 2^-23.
+        x.
+
+    Formula
+    -------
+    The x with MCbCDF(x, k, df, lambda, 0) = p, by Algorithm 748 between the quantile of a
+    single comparison and Bonferroni's bound, to a bracket of relative width 2^-23; its midpoint.
+
+    Edges
+    -----
+    p = 0 throws. k = 2: the quantile of Student's t itself, without integration, for every p in (0, 1).
 
     Failure of the plain export
     ---------------------------
-    As MCaICDF; p = 0 (with a set tail p = 1) throws std::overflow_error as well.
+    Throws std::domain_error: df <= 0 or not finite ("Degrees of freedom argument is ..."; an infinite
+    df is refused although MCbCDF takes it); p beyond the limit ("Parameters a and b do not bracket the
+    root: a=..."); p outside [0, 1], k of 0 or 1 ("Probability argument is ..."); |lambda[j]| > 1 for a
+    j below k - 1 with k > 2 ("Random variate x is ..."). std::overflow_error, "Overflow Error": p = 1,
+    p = 0. With a set tail the same for 1 - p. std::bad_alloc: k < 0, or no memory for k doubles. errno
+    stays as it was.
+
+    References
+    ----------
+    J. C. Hsu, Simultaneous confidence intervals for all distances from the "best", Annals of Statistics
+    9 (1981) 1026-1034. C. W. Dunnett, A multiple comparison procedure for comparing several treatments
+    with a control, Journal of the American Statistical Association 50 (1955) 1096-1121. G. E. Alefeld,
+    F. A. Potra and Y. Shi, Algorithm 748, ACM Transactions on Mathematical Software 21 (1995) 327-344
 
     Notes
     -----
@@ -1944,8 +2867,10 @@ def mcb_icdf(p, k, df, lambda_, *, upper=False, out=None):
     Examples
     --------
     >>> from orvanth import mcb_icdf
-    >>> print(f"{mcb_icdf(p=0.05, k=3, df=10.0, lambda_=[0.7071067811865475, 0.7071067811865475, 0.7071067811865475], upper=True):.6g}")
+    >>> print(f"{mcb_icdf(p=0.95, k=3, df=10, lambda_=[0.7071067811865476, 0.7071067811865476, 0.7071067811865476], upper=False):.6g}")
     2.15061
+    >>> print(f"{mcb_icdf(p=0.95, k=2, df=10, lambda_=[0.7071067811865476, 0.7071067811865476], upper=False):.6g}")
+    1.81246
     """
     return _ufuncs.MCbICDF(p, k, df, lambda_, upper, out=out)
 
@@ -1958,23 +2883,42 @@ def mcc_cdf(x, k, df, lambda_, *, upper=False, out=None):
     x : float
         the statistic on the scale of t; any double but NaN
     k : int
-        number of groups, the control among them, at least 1
+        number of groups, at least 1
     df : float
-        degrees of freedom of the scale, greater than 0; from 1000 on the scale counts as known
+        degrees of freedom of the scale, greater than 0; from 1000 on a known scale
     lambda_ : array of float
-        k coefficients, only read; lambda[k-1] is not used
+        k coefficients in [-1, 1], all read; the first k - 1 count
     upper : bool
-        clear: P(X <= x); set: 1 minus that
+        zero in its low byte: P(X <= x); otherwise 1 minus that
 
     Returns
     -------
     result : float
-        the probability, not clamped; exactly 0 at x = 0 for k >= 2, about 0.9999999 at x = infinity. For
-        negative x the product of k - 1 negative factors.
+        the probability.
+
+    Formula
+    -------
+    F(x) = integral over s > 0 of f(s) C(x s), f the density of sqrt(chi-squared / df),
+    C(v) = integral of phi(y) product over j < k-1 of D_j dy,
+    D_j = Phi(c_j (lambda_j y + v)) - Phi(c_j (lambda_j y - v)), c_j = 1/sqrt(1 - lambda_j^2).
+    F(x) = P(max over j of |T_j| <= x).
+
+    Edges
+    -----
+    x = infinity: about 0.9999999 for df < 1000, otherwise 1 within rounding. x = 0: exactly 0 for k >=
+    2. A negative x: the product of k - 1 negative numbers, with its sign. k of 0 or 1: the value at x =
+    infinity, for every x. Nothing is clamped.
 
     Failure of the plain export
     ---------------------------
-    As MCbCDF.
+    Throws std::domain_error: df <= 0 or NaN ("Degrees of freedom argument is ..."); x a NaN or
+    |lambda[j]| > 1 for a j below k - 1 ("Random variate x is ..."). std::bad_alloc: k < 0, or no memory
+    for k doubles. errno stays as it was.
+
+    References
+    ----------
+    C. W. Dunnett, A multiple comparison procedure for comparing several treatments with a control,
+    Journal of the American Statistical Association 50 (1955) 1096-1121
 
     Notes
     -----
@@ -1984,8 +2928,10 @@ def mcc_cdf(x, k, df, lambda_, *, upper=False, out=None):
     Examples
     --------
     >>> from orvanth import mcc_cdf
-    >>> print(f"{mcc_cdf(x=2.741, k=3, df=10.0, lambda_=[0.7071067811865475, 0.7071067811865475, 0.7071067811865475], upper=False):.6g}")
-    0.962567
+    >>> print(f"{mcc_cdf(x=2.5, k=3, df=10, lambda_=[0.7071067811865476, 0.7071067811865476, 0.7071067811865476], upper=False):.6g}")
+    0.943953
+    >>> print(f"{mcc_cdf(x=0, k=3, df=10, lambda_=[0.7071067811865476, 0.7071067811865476, 0.7071067811865476], upper=False):.6g}")
+    0
     """
     return _ufuncs.MCcCDF(x, k, df, lambda_, upper, out=out)
 
@@ -1996,24 +2942,45 @@ def mcc_icdf(p, k, df, lambda_, *, upper=False, out=None):
     Parameters
     ----------
     p : float
-        probability in (0, 0.9999999)
+        probability below the limit by df and k that stands at the head of this family
     k : int
-        number of groups, the control among them, at least 2; with 2 the Student t quantile itself
+        number of groups, 2 to 46341
     df : float
-        degrees of freedom, finite and greater than 0
+        degrees of freedom, greater than 0 and finite
     lambda_ : array of float
-        k coefficients, only read; lambda[k-1] is not used
+        k coefficients in [-1, 1], all read; the first k - 1 count
     upper : bool
-        clear: P(X <= x) = p; set: P(X > x) = p, taken as 1 - p
+        zero in its low byte: P(X <= x) = p; otherwise P(X > x) = p, solved for 1 - p
 
     Returns
     -------
     result : float
-        x within a relative 2^-23.
+        x.
+
+    Formula
+    -------
+    The x with MCcCDF(x, k, df, lambda, 0) = p, by Algorithm 748 between the quantile of a
+    single comparison and Bonferroni's bound, to a bracket of relative width 2^-23; its midpoint.
+
+    Edges
+    -----
+    p = 0: 0 within 1e-6. k = 2: the quantile of Student's t itself, without integration, for every p
+    below 1.
 
     Failure of the plain export
     ---------------------------
-    As MCaICDF.
+    Throws std::domain_error: df <= 0 or not finite ("Degrees of freedom argument is ..."; an infinite
+    df is refused although MCcCDF takes it); p beyond the limit ("Parameters a and b do not bracket the
+    root: a=..."); p outside [0, 1], k of 0 or 1 ("Probability argument is ..."); |lambda[j]| > 1 for a
+    j below k - 1 with k > 2 ("Random variate x is ..."). std::overflow_error, "Overflow Error": p = 1.
+    With a set tail the same for 1 - p. std::bad_alloc: k < 0, or no memory for k doubles. errno stays
+    as it was.
+
+    References
+    ----------
+    C. W. Dunnett, A multiple comparison procedure for comparing several treatments with a control,
+    Journal of the American Statistical Association 50 (1955) 1096-1121. G. E. Alefeld, F. A. Potra and
+    Y. Shi, Algorithm 748, ACM Transactions on Mathematical Software 21 (1995) 327-344
 
     Notes
     -----
@@ -2023,8 +2990,10 @@ def mcc_icdf(p, k, df, lambda_, *, upper=False, out=None):
     Examples
     --------
     >>> from orvanth import mcc_icdf
-    >>> print(f"{mcc_icdf(p=0.95, k=3, df=10.0, lambda_=[0.7071067811865475, 0.7071067811865475, 0.7071067811865475], upper=False):.6g}")
+    >>> print(f"{mcc_icdf(p=0.95, k=3, df=10, lambda_=[0.7071067811865476, 0.7071067811865476, 0.7071067811865476], upper=False):.6g}")
     2.56834
+    >>> print(f"{mcc_icdf(p=0.95, k=3, df=10, lambda_=[0.6, 0.8, 0.5], upper=False):.6g}")
+    2.57185
     """
     return _ufuncs.MCcICDF(p, k, df, lambda_, upper, out=out)
 
