@@ -12,6 +12,7 @@
 #include "frame/load_state.hpp"
 #include "frame/policies.hpp"
 #include "noncentral_hypergeometric/exact_sums.hpp"
+#include "noncentral_hypergeometric/fnc_probability.hpp"
 #include "noncentral_hypergeometric/fnc_record.hpp"
 #include "noncentral_hypergeometric/fnc_table.hpp"
 #include "orvanth/noncentral_hypergeometric.h"
