@@ -250,6 +250,7 @@ TEST(FNCHypergeometricMoments, OddsOneHaveTheCentralMean) {
 }
 
 #ifdef ORVANTH_HEAP_IS_PLAIN
+
 TEST(FNCHypergeometricCDF, KeepsItsTableAndTheQuantileReleasesIt) {
     const auto cdf = [] { FNCHypergeometricCDF(20, 40, 60, 120, 1.5, 0, 0); };
     EXPECT_GE(test::HeapGrowth(cdf), 1000 * 41 * 8);
