@@ -1,6 +1,6 @@
-// Fisher's noncentral hypergeometric distribution by exact arithmetic.
-#ifndef ORVANTH_TESTS_EXACT_SUMS_HPP
-#define ORVANTH_TESTS_EXACT_SUMS_HPP
+// Exact probabilities of Fisher's noncentral hypergeometric distribution in whole and rational numbers.
+#ifndef ORVANTH_TESTS_NONCENTRAL_HYPERGEOMETRIC_EXACT_SUMS_HPP
+#define ORVANTH_TESTS_NONCENTRAL_HYPERGEOMETRIC_EXACT_SUMS_HPP
 
 #include <algorithm>
 #include <cmath>

@@ -15,6 +15,8 @@
 #include "noncentral_hypergeometric/fnc_probability.hpp"
 #include "noncentral_hypergeometric/fnc_record.hpp"
 #include "noncentral_hypergeometric/fnc_table.hpp"
+#include "noncentral_hypergeometric/log_factorial.hpp"
+#include "noncentral_hypergeometric/wrap.hpp"
 #include "orvanth/noncentral_hypergeometric.h"
 #include "support/heap.hpp"
 
