@@ -63,13 +63,17 @@ def conditional(table, statistic, k, side, V):
     if first < FIRST or first + ORDER > LAST:
         return mpf((first + ORDER > LAST) == (side == 0))
     values = table[statistic, k]
+    # A small lower probability of a range is V^(k-1) times a smooth function.
+    power = k - 1 if statistic != "Hsu" and side == 0 and V < 3 else 0
+    if power:
+        first = max(first, 1)
     top = bottom = mpf(0)
     for i, w in enumerate(BARYCENTRIC):
         distance = place - (first + i)
         if distance == 0:
             return values[first + i][side]
         factor = w / distance
-        top += factor * values[first + i][side]
+        top += factor * values[first + i][side] * ((place / (first + i)) ** power if power else 1)
         bottom += factor
     return top / bottom
 

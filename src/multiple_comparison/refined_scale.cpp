@@ -17,7 +17,7 @@ namespace {
 constexpr double kHeavyTailDf = 8.0;
 
 // Accepted difference of the sums over the even and the odd points.
-constexpr double kHalvesAgree = 6e-6;
+constexpr double kHalvesAgree = 2e-6;
 
 // log of 2 (df/2)^(df/2) exp(-df/2) / Gamma(df/2), by Stirling's series from df = 30 on.
 double LogDensityAtOne(double df) {
