@@ -149,6 +149,8 @@ def main():
             if row < 2:
                 again = probability(table, statistic, k, x, df, mpf(1) / 32, side)
                 worst = max(worst, abs(again / (lower, upper)[side] - 1))
+            if statistic == "Hsu" and side == 0 and lower < 1e-5:
+                continue                            # the table ends at V = -10
             print(statistic, k, repr(df), "equal", name, x.hex(), mp.nstr(lower, 22), mp.nstr(upper, 22), sep="\t",
                   flush=True)
     print("studentised probabilities: half the step changes", mp.nstr(worst, 3), file=sys.stderr)

@@ -76,7 +76,7 @@ double Maximum(const Function& function, double low, double high) {
 }  // namespace
 
 double StudentisedProbability(const ComparisonStatistic& statistic, double x, double df, bool upper) {
-    LatentStart latent;
+    LatentStarts latent;
     if (df >= kKnownScaleDf) return ConditionalProbability(statistic, x, upper, latent);
 
     // Over t = log s, whose density is K exp(df (t - (exp(2t) - 1) / 2)).
