@@ -22,7 +22,7 @@ def rows():
 
 
 def r_values(cells):
-    calls = ",".join(f"ptukey({q!r},{k},{'Inf' if df == np.inf else df!r},lower.tail={'FALSE' if side == 'upper' else 'TRUE'})"
+    calls = ",".join(f"ptukey({q!r},{k},{str(df).replace('inf', 'Inf')},lower.tail={'FALSE' if side == 'upper' else 'TRUE'})"
                      for k, df, side, q, _, _ in cells)
     text = subprocess.run(["Rscript", "-e", f"cat(sprintf('%.17g', c({calls})), sep='\\n')"], check=True,
                           capture_output=True, text=True).stdout
