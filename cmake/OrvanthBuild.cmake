@@ -1,7 +1,20 @@
-# Settings shared by the library, its tests and its benchmarks.
+# Settings shared by the library, its tests and its benchmarks. They hold in this directory and below it. A project
+# that adds this one as a part keeps its own build type and flags.
 
-if(NOT CMAKE_BUILD_TYPE)
-  set(CMAKE_BUILD_TYPE Release CACHE STRING "" FORCE)
+if(PROJECT_IS_TOP_LEVEL)
+  if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "Debug, Release or RelWithDebInfo" FORCE)
+  endif()
+  set(CMAKE_C_FLAGS_RELEASE "-O2")
+  set(CMAKE_CXX_FLAGS_RELEASE "-O2")
+  set(CMAKE_Fortran_FLAGS_RELEASE "-O2")
+  set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g1")
+  set(CMAKE_Fortran_FLAGS_RELWITHDEBINFO "-O2 -g1")
+  set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+  find_program(ORVANTH_CCACHE ccache)
+  if(ORVANTH_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${ORVANTH_CCACHE})
+  endif()
 endif()
 
 set(CMAKE_CXX_STANDARD 20)
@@ -9,22 +22,19 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_C_STANDARD 11)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
-find_program(CCACHE ccache)
-if(CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+# The digits of the results depend on these: no contraction of a * b + c, no fast-math. The assertions of Boost.Math
+# stay on in every build type. Options come last on the command line and so win over flags that are inherited.
+add_compile_options(-ffp-contract=off -fno-fast-math $<$<COMPILE_LANGUAGE:C,CXX>:-UNDEBUG>)
+
+# Tables that are worked out at compile time take more steps than clang allows by itself.
+add_compile_options("$<$<COMPILE_LANG_AND_ID:CXX,Clang>:-fconstexpr-steps=50000000>")
+
+# Further options for all of the C++ code, last on the command line: ./check builds variants with it.
+set(ORVANTH_CXX_OPTIONS "" CACHE STRING "Options for the C++ compiler, separated by semicolons")
+if(ORVANTH_CXX_OPTIONS)
+  add_compile_options("$<$<COMPILE_LANGUAGE:CXX>:${ORVANTH_CXX_OPTIONS}>")
 endif()
-
-# No build type defines NDEBUG: the assertions of Boost.Math are part of the library.
-set(CMAKE_C_FLAGS_RELEASE "-O2")
-set(CMAKE_CXX_FLAGS_RELEASE "-O2")
-set(CMAKE_Fortran_FLAGS_RELEASE "-O2")
-set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g1")
-set(CMAKE_Fortran_FLAGS_RELWITHDEBINFO "-O2 -g1")
-
-# Digits are part of the contract: no contraction, no fast-math.
-add_compile_options(-ffp-contract=off)
 
 set(ORVANTH_SANITIZE "" CACHE STRING "Sanitizers, as for -fsanitize=")
 if(ORVANTH_SANITIZE)
@@ -37,8 +47,13 @@ if(ORVANTH_SANITIZE)
   endif()
 endif()
 
-# Our own code compiles without a warning.
-set(ORVANTH_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Werror)
+# This project's own code compiles without a warning. Another compiler may see more, so warnings are errors only
+# where this project is developed.
+set(ORVANTH_WARNINGS -Wall -Wextra -Wpedantic -Wshadow)
+option(ORVANTH_WERROR "Warnings are errors" ${PROJECT_IS_TOP_LEVEL})
+if(ORVANTH_WERROR)
+  list(APPEND ORVANTH_WARNINGS -Werror)
+endif()
 
 # add_core_test(<name> <sources>...): a GoogleTest program. It links the library's objects, so that
 # kernels behind the boundary can be tested; tests of exports go through the same objects.
@@ -52,11 +67,11 @@ function(add_core_test name)
   set_tests_properties(${name} PROPERTIES TIMEOUT 600 ENVIRONMENT "OPENBLAS_NUM_THREADS=1")
 endfunction()
 
-# add_thread_tests(<program>): of this test program, those tests that start threads (their names say so) are what
-# the thread sanitizer is for. They are built and run there by the target and the label `threads`.
-add_custom_target(threads)
+# add_thread_tests(<program>): the tests of this program that start threads have Thread in their names. The thread
+# sanitizer is for them: there they are built by the target orvanth_threads and run by the label `threads`.
+add_custom_target(orvanth_threads)
 function(add_thread_tests program)
-  add_dependencies(threads ${program})
+  add_dependencies(orvanth_threads ${program})
   add_test(NAME ${program}_threads COMMAND ${program} --gtest_filter=*Thread*)
   set_tests_properties(${program}_threads PROPERTIES TIMEOUT 600 ENVIRONMENT "OPENBLAS_NUM_THREADS=1" LABELS threads)
 endfunction()

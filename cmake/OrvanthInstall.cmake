@@ -1,8 +1,13 @@
-# cmake --install: headers, library, pkg-config file and CMake package.
+# cmake --install: headers, library, notices, pkg-config file and CMake package.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS core_math EXPORT OrvanthCoreMathTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+set(libraries core_math)
+if(ORVANTH_SHIELD)
+  list(APPEND libraries core_math_shield)
+endif()
+install(TARGETS ${libraries} EXPORT OrvanthCoreMathTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/orvanth DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(FILES ${PROJECT_SOURCE_DIR}/THIRD_PARTY_NOTICES.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(EXPORT OrvanthCoreMathTargets NAMESPACE Orvanth::
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvanthCoreMath)
 

@@ -2,8 +2,14 @@
 # that anyone may switch, so the library is found under its own name.
 include_guard(GLOBAL)
 
-find_library(ORVANTH_OPENBLAS_LIBRARY NAMES openblas REQUIRED)
-find_path(ORVANTH_LAPACK_INCLUDE_DIR NAMES lapack.h REQUIRED)
+find_library(ORVANTH_OPENBLAS_LIBRARY NAMES openblas)
+find_path(ORVANTH_LAPACK_INCLUDE_DIR NAMES lapack.h)
+if(NOT ORVANTH_OPENBLAS_LIBRARY)
+  orvanth_missing("OpenBLAS (libopenblas-dev)" build)
+endif()
+if(NOT ORVANTH_LAPACK_INCLUDE_DIR)
+  orvanth_missing("The header lapack.h (liblapacke-dev)" build)
+endif()
 
 add_library(orvanth_openblas INTERFACE)
 target_link_libraries(orvanth_openblas INTERFACE ${ORVANTH_OPENBLAS_LIBRARY})

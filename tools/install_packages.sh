@@ -1,29 +1,52 @@
 #!/usr/bin/env bash
 # Installs what is missing for building, testing and the tour. Needs root only if something is missing.
-#   tools/install_packages.sh build|check|bench
+#   tools/install_packages.sh build|check|hosts|bench
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 build=(g++ gfortran cmake ninja-build ccache python3 python3-numpy python3-matplotlib python3-mpmath dpkg-dev patch ca-certificates
        libboost-dev libopenblas-dev liblapacke-dev)
-check=(libgtest-dev googletest clang-format nlohmann-json3-dev pkg-config binutils)
+check=(libgtest-dev googletest clang-14 clang-format clang-tidy nlohmann-json3-dev pkg-config binutils)
+hosts=(python3-dev python3-pytest python3-hypothesis python3-venv)
 bench=(libbenchmark-dev libgsl-dev r-mathlib r-base-core python3-scipy valgrind)
 
 case "${1:-build}" in
     build) wanted=("${build[@]}") ;;
     check) wanted=("${build[@]}" "${check[@]}") ;;
     bench) wanted=("${build[@]}" "${bench[@]}") ;;
-    *) echo "install_packages.sh: '$1' is no set of packages; give build, check or bench" >&2; exit 2 ;;
+    hosts) wanted=("${build[@]}" "${check[@]}" "${hosts[@]}") ;;
+    *) echo "install_packages.sh: '$1' is no set of packages; give build, check, hosts or bench" >&2; exit 2 ;;
 esac
 
+stop() { printf 'install_packages.sh: %s\n' "$@" >&2; exit 1; }
+
+# A full disk shows in many ways; one question at the start says it plainly.
+free=$(df -Pk . | awk 'NR == 2 { print int($4 / 1024) }')
+[ "$free" -ge 1500 ] || stop "only $free MB are free in $PWD; a build needs 1500 MB. Free some space and start again."
+
+if ! command -v dpkg-query >/dev/null; then
+    stop "this machine does not have Debian's package tools, so nothing can be installed here." \
+         "Use Debian 12, in a container for example, or install what these packages contain yourself: ${wanted[*]}," \
+         "and build by hand: cmake --preset dev && cmake --build --preset dev && ctest --preset dev"
+fi
 missing=()
 for package in "${wanted[@]}"; do
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' || missing+=("$package")
 done
 if [ ${#missing[@]} -gt 0 ]; then
-    sudo=(); [ "$(id -u)" = 0 ] || sudo=(sudo)
+    sudo=()
+    if [ "$(id -u)" != 0 ]; then
+        command -v sudo >/dev/null || stop "these packages are missing and only root can install them: ${missing[*]}" \
+            "Ask the administrator for: apt-get install ${missing[*]}"
+        sudo=(sudo)
+    fi
     echo "== installing ${#missing[@]} packages: ${missing[*]}"
-    "${sudo[@]}" apt-get update -qq
-    DEBIAN_FRONTEND=noninteractive "${sudo[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+    "${sudo[@]}" apt-get update -qq ||
+        stop "apt-get update failed. Is there a network? These packages are missing: ${missing[*]}"
+    DEBIAN_FRONTEND=noninteractive "${sudo[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null ||
+        stop "apt-get could not install: ${missing[*]}" \
+             "The lines above say why. The names are those of Debian 12; this is $(. /etc/os-release && echo "$PRETTY_NAME")."
 fi
-tools/fetch_lbfgsb.sh
+tools/fetch_lbfgsb.sh ||
+    stop "the sources of L-BFGS-B could not be fetched; without network copy the folder third_party/lbfgsb from another" \
+         "machine where tools/fetch_lbfgsb.sh ran."

@@ -3,6 +3,7 @@
 definition, and what they give exactly. Takes about ten minutes; starts of quantiles come from a built library.
 
     tools/make_accuracy_reference.py build/dev/src/libOrvanth.Core.Math.so > tests/data/accuracy/reference.tsv
+    tools/make_accuracy_reference.py LIBRARY --compare 400    compares the first 400 rows with the file; seconds
 """
 import math
 import random
@@ -12,7 +13,7 @@ from pathlib import Path
 from mpmath import mp, mpf
 
 ROOT = Path(__file__).resolve().parents[1]
-sys.path[:0] = [str(ROOT / "tests/accuracy"), str(ROOT / "examples/tour")]
+sys.path.insert(0, str(ROOT / "tests/accuracy"))
 import exact  # noqa: E402
 from host import Core  # noqa: E402
 
@@ -201,19 +202,32 @@ def rows(core):
                 yield "HypergeometricCDF", (x, r, n, N, tail), total
 
 
-def main():
-    if len(sys.argv) != 2:
+def lines(core):
+    for name, arguments, value in rows(core):
+        if 1e-290 < abs(value) < 1e290:
+            yield "\t".join([name, " ".join(a.hex() if isinstance(a, float) else str(a) for a in arguments),
+                             mp.nstr(value, 30, strip_zeros=False)])
+
+
+def main(arguments):
+    if len(arguments) == 3 and arguments[1] == "--compare":
+        standing = (ROOT / "tests/data/accuracy/reference.tsv").read_text().splitlines()[1:int(arguments[2]) + 1]
+        for number, (made, kept) in enumerate(zip(lines(Core(arguments[0])), standing), 2):
+            if made != kept:
+                sys.exit(f"reference.tsv:{number} is\n{kept}\nand not what is made:\n{made}")
+        print(f"the first {len(standing)} rows of reference.tsv are as made")
+        return
+    if len(arguments) != 1:
         sys.exit("make_accuracy_reference.py: give the path of a built library, as in the heading of this file")
     print(f"# Written by tools/make_accuracy_reference.py (seed {SEED}); export, arguments, exact value to 30 digits.")
     last = None
-    for name, arguments, value in rows(Core(sys.argv[1])):
+    for line in lines(Core(arguments[0])):
+        name = line.split("\t")[0]
         if name != last:
             print(f"\r{name:30}", end="", file=sys.stderr)
             last = name
-        if 1e-290 < abs(value) < 1e290:
-            print(name, " ".join(a.hex() if isinstance(a, float) else str(a) for a in arguments),
-                  mp.nstr(value, 30, strip_zeros=False), sep="\t")
+        print(line)
     print(file=sys.stderr)
 
 
-main()
+main(sys.argv[1:])

@@ -5,7 +5,8 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 TABLE = ROOT / "src" / "frame" / "exports.def"
-FAILURES = {"Silent", "Throws", "Status", "InBand", "None"}
+FAILURES = ("Silent", "Throws", "Status", "InBand", "None")
+THREADS = ("Reentrant", "Workspace", "Handle")
 
 
 @dataclass(frozen=True)
@@ -24,7 +25,8 @@ class Export:
     name: str
     result: str
     arguments: tuple
-    failure: str
+    failures: tuple  # of FAILURES
+    threads: tuple  # of THREADS
 
 
 def _argument(text):
@@ -34,20 +36,26 @@ def _argument(text):
     return Argument(*match.groups())
 
 
+def _words(name, column, text, known):
+    words = tuple(text.split("|"))
+    for word in words:
+        if word not in known:
+            raise ValueError(f"{TABLE.name}: {name}: {column} '{word}' is none of {', '.join(known)}")
+    return words
+
+
 def exports():
     """All rows of the table, in order."""
     rows = []
-    pattern = re.compile(r"EXPORT\((\w+),\s*(\w+),\s*([\w*]+),\s*\(([^)]*)\),\s*(\w+)\)")
+    pattern = re.compile(r"EXPORT\((\w+),\s*(\w+),\s*([\w*]+),\s*\(([^)]*)\),\s*([\w|]+),\s*([\w|]+)\)")
     for text in re.findall(r"^EXPORT\(.*?\)\s*$", TABLE.read_text(), re.M | re.S):
         match = pattern.fullmatch(text.strip())
         if not match:
             raise ValueError(f"{TABLE.name}: not a row of the form EXPORT(folder, name, result, "
-                             f"(arguments), failure): {text}")
-        folder, name, result, arguments, failure = match.groups()
-        if failure not in FAILURES:
-            raise ValueError(f"{TABLE.name}: {name}: failure '{failure}' is none of {sorted(FAILURES)}")
-        rows.append(Export(folder, name, result,
-                           tuple(_argument(a) for a in arguments.split(",")), failure))
+                             f"(arguments), failure, threads): {text}")
+        folder, name, result, arguments, failure, threads = match.groups()
+        rows.append(Export(folder, name, result, tuple(_argument(a) for a in arguments.split(",")),
+                           _words(name, "failure", failure, FAILURES), _words(name, "threads", threads, THREADS)))
     names = [row.name for row in rows]
     if len(set(names)) != len(names):
         raise ValueError(f"{TABLE.name}: a name stands twice")

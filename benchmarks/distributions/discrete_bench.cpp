@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <random>
+#include <string>
 #include <vector>
 
 #include <boost/math/distributions/binomial.hpp>
@@ -77,11 +78,15 @@ void Measure(benchmark::State& state, const Arguments& arguments, Call call) {
 
 template <class Call>
 void OverTrials(benchmark::State& state, Call call) {
-    Measure(state, BinomialArguments(kTrials[static_cast<std::size_t>(state.range(0))]), call);
+    const double trials = kTrials[static_cast<std::size_t>(state.range(0))];
+    state.SetLabel("n to " + std::to_string(static_cast<int>(trials)));
+    Measure(state, BinomialArguments(trials), call);
 }
 template <class Call>
 void OverPopulations(benchmark::State& state, Call call) {
-    Measure(state, HypergeometricArguments(kPopulations[static_cast<std::size_t>(state.range(0))]), call);
+    const double population = kPopulations[static_cast<std::size_t>(state.range(0))];
+    state.SetLabel("N to " + std::to_string(static_cast<int>(population)));
+    Measure(state, HypergeometricArguments(population), call);
 }
 
 using orvanth::DefaultPolicy;

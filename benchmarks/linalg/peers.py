@@ -11,7 +11,7 @@ from pathlib import Path
 
 import numpy as np
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "examples" / "tour"))
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools"))
 from host import Core  # noqa: E402
 
 SIZES = ((100, 5), (200, 40), (1000, 20), (20000, 60), (100000, 20), (2000, 500))

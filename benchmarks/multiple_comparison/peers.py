@@ -15,7 +15,7 @@ from scipy import special, stats
 from scipy.optimize import brentq
 
 ROOT = Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(ROOT / "examples/tour"))
+sys.path.insert(0, str(ROOT / "tools"))
 from host import Core  # noqa: E402
 
 GROUPS, FREEDOM, LEVELS = (3, 5, 10, 20), (2, 3, 5, 10, 30, 120, 1000), (0.5, 0.9, 0.95, 0.99)

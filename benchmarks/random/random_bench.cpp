@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "orvanth/random.h"
-#include "random/random_stream.hpp"
+#include "random/mersenne_twister.hpp"
 
 #ifdef BENCH_GSL
 #include <gsl/gsl_cdf.h>
@@ -30,14 +30,12 @@ void PerItem(benchmark::State& state) {
 }
 
 void Words(benchmark::State& state) {
-    RandomStream* stream = nullptr;
-    vslNewStream(&stream, kMersenneTwister, 1);
+    MersenneTwister twister(1);
     std::vector<std::uint32_t> words(kCount);
     for (auto _ : state) {
-        FillUniformWords(stream, kCount, words.data());
+        FillUniformWords(twister, words);
         benchmark::DoNotOptimize(words.data());
     }
-    vslDeleteStream(&stream);
     PerItem(state);
 }
 

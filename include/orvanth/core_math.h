@@ -2,6 +2,7 @@
 #ifndef ORVANTH_CORE_MATH_H
 #define ORVANTH_CORE_MATH_H
 
+#include "orvanth/version.h"
 #include "orvanth/special.h"
 #include "orvanth/distributions.h"
 #include "orvanth/kolmogorov.h"

@@ -6,47 +6,111 @@
 
 /**
  * @file
- * The exact distribution of the two-sided Kolmogorov statistic D_n: the largest absolute distance between
- * the empirical distribution of n observations and the true continuous one.
+ * The distribution of the two-sided Kolmogorov statistic D_n for a finite sample: the largest absolute
+ * distance between the empirical distribution of n observations and the true continuous one.
  *
- * Which algorithm serves which region of (n, x), and the error of each, stands in docs/accuracy/kolmogorov.md.
+ * docs/accuracy/kolmogorov.md says which algorithm serves which n and x, and how accurate it is there.
  */
 
 /**
  * Cumulative probability of the Kolmogorov statistic D_n for a finite sample.
  *
- * @param[in] x           the statistic; below 0 the answer is 0 (upper tail 1) for any n
+ * A call takes microseconds, but milliseconds in two regions: the upper tail for n from 141 to 200000
+ * and n x^2 >= 2.2 sums up to n terms, and the lower tail for n up to 100000 with n^2 x^3 <= 2 raises
+ * a matrix of about 2 n x columns to the power n.
+ *
+ * @par Formula
+ * @code{.unparsed}
+ * P(D_n <= x), or P(D_n > x) if complement is set, where D_n = sup over t of |F_n(t) - F(t)|. With
+ * w = n x^2 the method is, for n <= 140: a matrix power for w < 0.754693, a recursion for w < 4, twice
+ * the one-sided tail above. For n > 140: a matrix power for n^2 x^3 <= 2 and n <= 100000, otherwise an
+ * asymptotic series; P(D_n > x) is twice the one-sided tail from w = 2.2 on.
+ * @endcode
+ * @param[in] x           the statistic, any double
  * @param[in] n           sample size from 1 to 2^31 - 1, truncated toward zero: 10.9 means 10
  * @param[in] complement  zero: P(D_n <= x); any other value: P(D_n > x). The whole word counts
- * @return the probability; exactly 0 up to x = 0.5/n and exactly 1 from x = 1 on, or from n x^2 = 18 on
- *         (the upper tail reaches 0 at n x^2 = 370). Where n > 140 the value is not clamped to [0, 1].
+ * @return the probability. It is not clamped to [0, 1] where it comes from the series.
+ * @par Edges
+ * x < 0: 0 (complement: 1), for any n. x <= 0.5/n: 0 (1). x >= 1: 1 (0). P(D_n <= x) is 1 from
+ * n x^2 = 18 on; P(D_n > x) is 1 up to n x^2 = 0.0274 and 0 from n x^2 = 370 on.
+ * x a NaN: NaN. n < 0 after truncation, n >= 2^31, or n a NaN: NaN for x >= 0.
+ * n truncated to 0: 0 (1) for x < 1 and 1 (0) for x >= 1.
  * @par Failure
- * None is reported and errno stays as it was. An x that is a NaN, or an n that truncates to no 32-bit
- * integer of at least 0, gives NaN. An n that truncates to 0 gives 0 below x = 1 and 1 from there on.
- * A call takes microseconds, but milliseconds in two places: the upper tail for n from 141 to 200000 and
- * n x^2 >= 2.2 sums up to n terms, and the lower tail for n up to 100000 with n^2 x^3 <= 2 raises a matrix
- * of 2 n x columns to the power n.
- * @par Method
- * By region: J. Durbin's matrix power, J. Pomeranz' recursion (Comm. ACM 17 (1974) 703), the series of
- * W. Pelz and I. J. Good (J. Roy. Statist. Soc. B 38 (1976) 152), and twice the one-sided tail.
+ * Nothing is reported, and errno stays as it was. Where there is no memory for the working arrays (a
+ * few kB; 330 kB at most) std::bad_alloc is thrown.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
+ * @par Memory
+ * Working arrays on the heap during the call. Nothing is kept.
+ * @par Accuracy
+ * Relative 1e-9 or better for n <= 140, 3e-5 above (docs/accuracy/kolmogorov.md). The two tails add
+ * to 1 within rounding, except for n > 140 with n x^2 >= 2.2: there their methods differ and they add
+ * to 1 within 6e-7 only.
+ * @par Equivalents
+ * - R: no public function; ks.test(..., exact = TRUE) reports P(D_n >= x) for the statistic x.
+ * - SciPy: scipy.stats.kstwo.cdf(x, n); for the complement scipy.stats.kstwo.sf(x, n).
+ * @par Example
+ * @code{.unparsed}
+ * KolmogorovCDF(0.2, 10, 0) = 0.251281
+ * KolmogorovCDF(0.21, 100, 1) = 0.000239473
+ * KolmogorovCDF(0.05, 1000, 1) = 0.0130121
+ * KolmogorovCDF(-0.5, 10, 1) = 1
+ * KolmogorovCDF(nan, 10, 0) = nan
+ * @endcode
+ * @par Source
+ * J. Durbin, Distribution Theory for Tests Based on the Sample Distribution Function, SIAM, 1973.
+ * J. Pomeranz, Exact cumulative distribution of the Kolmogorov-Smirnov statistic for small samples,
+ * Communications of the ACM 17, 1974.
+ * W. Pelz, I. J. Good, Approximating the lower tail-areas of the Kolmogorov-Smirnov one-sample
+ * statistic, Journal of the Royal Statistical Society B 38, 1976.
+ * Z. W. Birnbaum, F. H. Tingey, One-sided confidence contours for probability distribution functions,
+ * Annals of Mathematical Statistics 22, 1951.
  */
 ORVANTH_API(double) KolmogorovCDF(double x, double n, int32_t complement);
 
 /**
- * Quantile of the Kolmogorov statistic D_n.
+ * Quantile of the Kolmogorov statistic D_n for a finite sample.
  *
+ * @par Formula
+ * @code{.unparsed}
+ * The x with P(D_n <= x) = p, or with P(D_n > x) = p if complement is set. The search starts at
+ * 1.36 / sqrt(n), doubles or halves until the probability passes p, and then narrows the bracket; it
+ * evaluates KolmogorovCDF at most 100 times.
+ * @endcode
  * @param[in] p           probability in [0, 1]
- * @param[in] n           sample size from 1 to 2^31 - 1; the search starts at 1.36/sqrt(n), the evaluations
- *                        truncate n
+ * @param[in] n           sample size from 1 to 2^31 - 1. The start of the search uses n as it is, the
+ *                        evaluations truncate it
  * @param[in] complement  zero: P(D_n <= x) = p; any other value: P(D_n > x) = p. The whole word counts
- * @return x within a relative 2^-23. At p = 0 and p = 1 the first point of the search, which doubles or
- *         halves from its start, where the probability is exactly 0 or 1.
+ * @return x.
+ * @par Edges
+ * p = 0 and p = 1: the first point of the search where the probability is exactly 0 or 1, that is the
+ * start times a power of 2. It is neither the smallest nor the largest such point.
+ * n between 0 and 1, which no sample has: the search for the jump of KolmogorovCDF at x = 1.
  * @par Failure
- * Throws boost::math::evaluation_error, "Unable to bracket root, last nearest value was ...", for p outside
- * [0, 1] or a NaN, and for an n that no sample can have (below 0, 0, a NaN, 2^31 and more). An n between
- * 0 and 1 gives 1, where the probability jumps. errno stays as it was.
- * @par Method
- * Bracketing by steps of 2 and the TOMS 748 root search (Alefeld, Potra, Shi 1995), at most 100 evaluations.
+ * Throws boost::math::evaluation_error, "Error in function
+ * boost::math::tools::bracket_and_solve_root<double>: Unable to bracket root, last nearest value was
+ * ...", for p outside [0, 1] or a NaN, and for n that is 0, negative, a NaN, or 2^31 and more. The
+ * value told is the last point that a search of 100 evaluations reaches, 2^299 or 2^-299 times its
+ * start. Throws std::bad_alloc as KolmogorovCDF does. errno stays as it was.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
+ * @par Memory
+ * That of KolmogorovCDF during the call. Nothing is kept.
+ * @par Accuracy
+ * x within a relative 2^-23 of the point where KolmogorovCDF is p (docs/accuracy/kolmogorov.md).
+ * @par Equivalents
+ * - R: none.
+ * - SciPy: scipy.stats.kstwo.ppf(p, n); for the complement scipy.stats.kstwo.isf(p, n).
+ * @par Example
+ * @code{.unparsed}
+ * KolmogorovICDF(0.95, 100, 0) = 0.134028
+ * KolmogorovICDF(0.05, 100, 1) = 0.134028
+ * KolmogorovICDF(0, 25, 0) = 0.0170000
+ * KolmogorovICDF(1, 25, 0) = 1.08800
+ * @endcode
+ * @par Source
+ * G. E. Alefeld, F. A. Potra, Yixun Shi, Algorithm 748: enclosing zeros of continuous functions, ACM
+ * Transactions on Mathematical Software 21, 1995.
  */
 ORVANTH_API(double) KolmogorovICDF(double p, double n, int32_t complement);
 

@@ -30,9 +30,11 @@
  * Householder QR factorisation of a matrix.
  *
  * @par Formula
+ * @code{.unparsed}
  * A = Q R with Q = H(1) H(2) ... H(k), k = min(m, n), and H(i) = I - tau(i) v v'. The vector v is 0
  * above row i and 1 in row i. R is upper triangular. The diagonal of R has the sign opposite to the
  * element that its reflector began with.
+ * @endcode
  * @param[in,out] a       m by n; on return R on and above the diagonal, and the vectors v below it
  * @param[in] descriptor  view of a, offset honoured: rows = m >= 0, columns = n from 0 to 10000,
  *                        leadingDimension >= max(1, m)
@@ -44,13 +46,16 @@
  * @par Failure
  * Status -1: rows. -2: columns. -4: leadingDimension. -7: more than 10000 columns. errno is left
  * alone, and nothing is written.
+ * @par Threads
+ * Not reentrant: works on storage of the whole process. Calls of
+ * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
  * @par Memory
  * None; the shared workspace serves.
  * @par Accuracy
  * Backward stable, with figures: docs/accuracy/linalg.md
  * @par Equivalents
- * R: qr(a, LAPACK = TRUE) pivots; without pivoting there is none with the same layout.
- * SciPy: scipy.linalg.qr(a, mode="raw").
+ * - R: qr(a, LAPACK = TRUE) pivots; without pivoting there is none with the same layout.
+ * - SciPy: scipy.linalg.qr(a, mode="raw").
  * @par Example
  * @code
  *     // The column (3, 4) becomes (-5, 0).
@@ -58,8 +63,8 @@
  *     const MatrixDescriptor view = {0, 2, 2, 1};
  *     const int status = (int)QR(a, &view, tau);
  *     printf("status %d, R = %.6g, v = (1, %.6g), tau = %.6g\n", status, a[0], a[1], tau[0]);
- * @endcode
  * // prints: status 0, R = -5, v = (1, 0.5), tau = 1.6
+ * @endcode
  * @par Source
  * E. Anderson and others, LAPACK Users' Guide, third edition, SIAM, 1999 (dgeqrf).
  */
@@ -69,8 +74,10 @@ ORVANTH_API(int32_t) QR(double* a, const MatrixDescriptor* descriptor, double* t
  * Householder QR factorisation with column pivoting.
  *
  * @par Formula
+ * @code{.unparsed}
  * A P = Q R. Each step takes the column whose part not yet reduced is longest, so that the diagonal of
  * R does not grow in size.
+ * @endcode
  * @param[in,out] a       m by n; on return the factors of the permuted matrix, laid out as by QR
  * @param[in] descriptor  view of a, offset honoured: rows = m >= 0, columns = n from 0 to 3333,
  *                        leadingDimension >= max(1, m)
@@ -86,13 +93,16 @@ ORVANTH_API(int32_t) QR(double* a, const MatrixDescriptor* descriptor, double* t
  * @par Failure
  * Status -1: rows. -2: columns. -4: leadingDimension. -8: more than 3333 columns. errno is left alone,
  * and nothing is written.
+ * @par Threads
+ * Not reentrant: works on storage of the whole process. Calls of
+ * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
  * @par Memory
  * None; the shared workspace serves.
  * @par Accuracy
  * Backward stable, with figures: docs/accuracy/linalg.md
  * @par Equivalents
- * R: qr(a, LAPACK = TRUE).
- * SciPy: scipy.linalg.qr(a, mode="raw", pivoting=True); its pivots count from zero.
+ * - R: qr(a, LAPACK = TRUE).
+ * - SciPy: scipy.linalg.qr(a, mode="raw", pivoting=True); its pivots count from zero.
  * @par Example
  * @code
  *     // The second column, (3, 4), is longer than the first, (1, 0).
@@ -101,8 +111,8 @@ ORVANTH_API(int32_t) QR(double* a, const MatrixDescriptor* descriptor, double* t
  *     const MatrixDescriptor view = {0, 2, 2, 2};
  *     const int status = (int)QRP(a, &view, tau, jpvt);
  *     printf("status %d, order %d %d, R(1,1) = %.6g\n", status, (int)jpvt[0], (int)jpvt[1], a[0]);
- * @endcode
  * // prints: status 0, order 2 1, R(1,1) = -5
+ * @endcode
  * @par Source
  * G. Quintana-Orti, X. Sun, C. H. Bischof, A BLAS-3 version of the QR factorization with column
  * pivoting, SIAM Journal on Scientific Computing 19, 1998 (dgeqp3).
@@ -113,7 +123,9 @@ ORVANTH_API(int32_t) QRP(double* a, const MatrixDescriptor* descriptor, double* 
  * Forms the first n columns of Q, from the factors of QR or QRP.
  *
  * @par Formula
+ * @code{.unparsed}
  * The first n columns of H(1) H(2) ... H(n). After QRP this is the Q of the permuted matrix.
+ * @endcode
  * @param[in,out] a       m by n, as QR or QRP left it, m >= n; on return the first n columns of Q
  * @param[in] descriptor  view of a, offset honoured: rows = m, columns = n from 0 to min(m, 10000),
  *                        leadingDimension >= max(1, m)
@@ -124,13 +136,16 @@ ORVANTH_API(int32_t) QRP(double* a, const MatrixDescriptor* descriptor, double* 
  * @par Failure
  * Status -1: rows. -2: columns, which may not exceed rows. -5: leadingDimension. -8: more than 10000
  * columns. errno is left alone, and nothing is written.
+ * @par Threads
+ * Not reentrant: works on storage of the whole process. Calls of
+ * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
  * @par Memory
  * None; the shared workspace serves.
  * @par Accuracy
  * Orthogonal to rounding, with figures: docs/accuracy/linalg.md
  * @par Equivalents
- * R: qr.Q(qr(a, LAPACK = TRUE)).
- * SciPy: scipy.linalg.qr(a, mode="economic")[0].
+ * - R: qr.Q(qr(a, LAPACK = TRUE)).
+ * - SciPy: scipy.linalg.qr(a, mode="economic")[0].
  * @par Example
  * @code
  *     double a[2] = {3, 4}, tau[1];
@@ -138,8 +153,8 @@ ORVANTH_API(int32_t) QRP(double* a, const MatrixDescriptor* descriptor, double* 
  *     QR(a, &view, tau);
  *     const int status = (int)QR_Q(a, &view, tau);
  *     printf("status %d, Q = (%.6g, %.6g)\n", status, a[0], a[1]);
- * @endcode
  * // prints: status 0, Q = (-0.6, -0.8)
+ * @endcode
  * @par Source
  * E. Anderson and others, LAPACK Users' Guide, third edition, SIAM, 1999 (dorgqr).
  */
@@ -149,7 +164,9 @@ ORVANTH_API(int32_t) QR_Q(double* a, const MatrixDescriptor* descriptor, const d
  * Multiplies a matrix by Q or by its transpose, from the factors of QR or QRP.
  *
  * @par Formula
+ * @code{.unparsed}
  * C := Q C, or C := Q' C.
+ * @endcode
  * @param[in] a            m by n, as QR or QRP left it, m >= n
  * @param[in] aDescriptor  view of a, offset honoured: rows = m, columns = n <= m,
  *                         leadingDimension >= max(1, m)
@@ -165,13 +182,16 @@ ORVANTH_API(int32_t) QR_Q(double* a, const MatrixDescriptor* descriptor, const d
  * Status -3: rows of a. -4: columns of c. -5: columns of a, which may not exceed its rows. -7:
  * leadingDimension of a. -10: leadingDimension of c. -12: more than 10000 columns of c. errno is left
  * alone, and nothing is written.
+ * @par Threads
+ * Not reentrant: works on storage of the whole process. Calls of
+ * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
  * @par Memory
  * None; the shared workspace serves.
  * @par Accuracy
  * Backward stable, with figures: docs/accuracy/linalg.md
  * @par Equivalents
- * R: qr.qy(qr(a, LAPACK = TRUE), c) and qr.qty(qr(a, LAPACK = TRUE), c).
- * SciPy: scipy.linalg.qr_multiply(a, c, mode="left").
+ * - R: qr.qy(qr(a, LAPACK = TRUE), c) and qr.qty(qr(a, LAPACK = TRUE), c).
+ * - SciPy: scipy.linalg.qr_multiply(a, c, mode="left").
  * @par Example
  * @code
  *     double a[2] = {3, 4}, tau[1], c[2] = {1, 0};
@@ -179,8 +199,8 @@ ORVANTH_API(int32_t) QR_Q(double* a, const MatrixDescriptor* descriptor, const d
  *     QR(a, &view, tau);
  *     const int status = (int)QR_Qy(a, &view, 1, tau, c, &view);
  *     printf("status %d, Q'c = (%.6g, %.6g)\n", status, c[0], c[1]);
- * @endcode
  * // prints: status 0, Q'c = (-0.6, -0.8)
+ * @endcode
  * @par Source
  * E. Anderson and others, LAPACK Users' Guide, third edition, SIAM, 1999 (dormqr).
  */
@@ -191,7 +211,9 @@ ORVANTH_API(int32_t) QR_Qy(double* a, const MatrixDescriptor* aDescriptor, int32
  * Singular value decomposition with all singular vectors, for small matrices.
  *
  * @par Formula
+ * @code{.unparsed}
  * A = U S V', where U is m by m, V is n by n, both orthogonal, and S is diagonal, s >= 0, descending.
+ * @endcode
  * @param[in,out] a         m by n; destroyed
  * @param[in] aDescriptor   view of a, offset ignored: rows = m >= 0, columns = n >= 0,
  *                          leadingDimension >= max(1, m)
@@ -209,21 +231,24 @@ ORVANTH_API(int32_t) QR_Qy(double* a, const MatrixDescriptor* aDescriptor, int32
  * small; the largest square is 56 by 56. -4: a NaN in a, or an infinity where min(m, n) >= 3; for a
  * matrix that is rejected otherwise its elements are not read. Below 0, nothing is written. Above 0:
  * the iteration did not converge. errno is left alone.
+ * @par Threads
+ * Not reentrant: works on storage of the whole process. Calls of
+ * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
  * @par Memory
  * None; the shared workspace serves.
  * @par Accuracy
  * Backward stable, with figures: docs/accuracy/linalg.md
  * @par Equivalents
- * R: svd(a, nu = nrow(a), nv = ncol(a)).
- * SciPy: scipy.linalg.svd(a).
+ * - R: svd(a, nu = nrow(a), nv = ncol(a)).
+ * - SciPy: scipy.linalg.svd(a).
  * @par Example
  * @code
  *     double a[4] = {3, 0, 0, 4}, s[2], u[4], vt[4];
  *     const MatrixDescriptor view = {0, 2, 2, 2};
  *     const int status = (int)FullSVD(a, &view, s, u, &view, vt, &view);
  *     printf("status %d, s = %.6g, %.6g\n", status, s[0], s[1]);
- * @endcode
  * // prints: status 0, s = 4, 3
+ * @endcode
  * @par Source
  * M. Gu, S. C. Eisenstat, A divide-and-conquer algorithm for the bidiagonal SVD, SIAM Journal on
  * Matrix Analysis and Applications 16, 1995 (dgesdd).
@@ -236,7 +261,9 @@ ORVANTH_API(int32_t) FullSVD(double* a, const MatrixDescriptor* aDescriptor, dou
  * Singular value decomposition with the first min(m, n) singular vectors.
  *
  * @par Formula
+ * @code{.unparsed}
  * A = U S V' with the first k = min(m, n) columns of U and of V. S is diagonal, s >= 0, descending.
+ * @endcode
  * @param[in,out] a         m by n; destroyed
  * @param[in] aDescriptor   view of a, offset ignored: rows = m >= 0, columns = n >= 0,
  *                          leadingDimension >= max(1, m)
@@ -254,22 +281,24 @@ ORVANTH_API(int32_t) FullSVD(double* a, const MatrixDescriptor* aDescriptor, dou
  * more doubles, needed from about 26754 by 26754 on. -4: a NaN in a, or an infinity where min(m, n) >=
  * 3. -1010: no memory for the workspace. Below 0, nothing is written. Above 0: the iteration did not
  * converge. errno is left alone.
+ * @par Threads
+ * Reentrant: calls may overlap in time if they write to different arrays.
  * @par Memory
  * Workspace for the call: about 3 k^2 doubles, or 4 k^2 from 11/6 times as many rows as columns on or
  * the other way round, and 8 k integers.
  * @par Accuracy
  * Backward stable, with figures: docs/accuracy/linalg.md
  * @par Equivalents
- * R: svd(a).
- * SciPy: scipy.linalg.svd(a, full_matrices=False).
+ * - R: svd(a).
+ * - SciPy: scipy.linalg.svd(a, full_matrices=False).
  * @par Example
  * @code
  *     double a[2] = {3, 4}, s[1], u[2], vt[1];
  *     const MatrixDescriptor column = {0, 2, 2, 1}, one = {0, 1, 1, 1};
  *     const int status = (int)ThinSVD(a, &column, s, u, &column, vt, &one);
  *     printf("status %d, s = %.6g, u1 v1 = %.6g\n", status, s[0], u[0] * vt[0]);
- * @endcode
  * // prints: status 0, s = 5, u1 v1 = 0.6
+ * @endcode
  * @par Source
  * M. Gu, S. C. Eisenstat, A divide-and-conquer algorithm for the bidiagonal SVD, SIAM Journal on
  * Matrix Analysis and Applications 16, 1995 (dgesdd).
@@ -282,7 +311,9 @@ ORVANTH_API(int32_t) ThinSVD(double* a, const MatrixDescriptor* aDescriptor, dou
  * All eigenvalues of a symmetric matrix, and its eigenvectors if they are wanted.
  *
  * @par Formula
+ * @code{.unparsed}
  * A Z = Z W, where Z is orthogonal and W is diagonal, w ascending.
+ * @endcode
  * @param[in,out] a        n by n; only the lower triangle is read, and it is destroyed with the
  * diagonal
  * @param[in] aDescriptor  view of a, offset ignored: columns = n >= 0, leadingDimension >= max(1, n);
@@ -300,14 +331,16 @@ ORVANTH_API(int32_t) ThinSVD(double* a, const MatrixDescriptor* aDescriptor, dou
  * Status -4: columns. -6, -15: leadingDimension of a, z. -5: a NaN in the lower triangle where n >= 3
  * and z is not null. -1010: no memory for the workspace. Below 0, nothing is written. Above 0: an
  * internal failure of LAPACK. errno is left alone.
+ * @par Threads
+ * Reentrant: calls may overlap in time if they write to different arrays.
  * @par Memory
  * Workspace for the call: about 38 n doubles and 12 n integers. A rejected argument, deliberately,
  * leaves a block of 8 n bytes allocated.
  * @par Accuracy
  * Backward stable, with figures: docs/accuracy/linalg.md
  * @par Equivalents
- * R: eigen(a, symmetric = TRUE), which sorts descending.
- * SciPy: scipy.linalg.eigh(a, driver="evr").
+ * - R: eigen(a, symmetric = TRUE), which sorts descending.
+ * - SciPy: scipy.linalg.eigh(a, driver="evr").
  * @par Example
  * @code
  *     // 2 on the diagonal and 1 beside it; the upper triangle is not read.
@@ -316,8 +349,8 @@ ORVANTH_API(int32_t) ThinSVD(double* a, const MatrixDescriptor* aDescriptor, dou
  *     const MatrixDescriptor view = {0, 2, 2, 2};
  *     const int status = (int)EigenSymmetric(a, &view, w, &found, NULL, &view);
  *     printf("status %d, %d eigenvalues: %.6g, %.6g\n", status, (int)found, w[0], w[1]);
- * @endcode
  * // prints: status 0, 2 eigenvalues: 1, 3
+ * @endcode
  * @par Source
  * I. S. Dhillon, B. N. Parlett, Multiple representations to compute orthogonal eigenvectors of
  * symmetric tridiagonal matrices, Linear Algebra and its Applications 387, 2004 (dsyevr).
@@ -329,8 +362,10 @@ ORVANTH_API(int32_t) EigenSymmetric(double* a, const MatrixDescriptor* aDescript
  * Least squares, or the solution of smallest norm, for a matrix of full rank.
  *
  * @par Formula
+ * @code{.unparsed}
  * m >= n: the X that minimises the length of each column of B - A X. m < n: of all X with A X = B, the
  * one whose columns are shortest.
+ * @endcode
  * @param[in,out] a        m by n; overwritten by its QR or LQ factorisation
  * @param[in] aDescriptor  view of a, offset honoured: rows = m >= 0, columns = n >= 0,
  *                         leadingDimension >= max(1, m)
@@ -346,13 +381,16 @@ ORVANTH_API(int32_t) EigenSymmetric(double* a, const MatrixDescriptor* aDescript
  * Status -2: rows of a. -3: columns of a. -4: columns of b. -6, -8: leadingDimension of a, b. -10:
  * min(m, n) + max(min(m, n), k) above 10000. Below 0, nothing is written. i > 0: diagonal element i of
  * the triangular factor is exactly zero; a is factored. errno is left alone.
+ * @par Threads
+ * Not reentrant: works on storage of the whole process. Calls of
+ * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
  * @par Memory
  * None; the shared workspace serves.
  * @par Accuracy
  * Backward stable, with figures: docs/accuracy/linalg.md
  * @par Equivalents
- * R: lm.fit(a, b)$coefficients for m >= n.
- * SciPy: scipy.linalg.lapack.dgels(a, b)[1].
+ * - R: lm.fit(a, b)$coefficients for m >= n.
+ * - SciPy: scipy.linalg.lapack.dgels(a, b)[1].
  * @par Example
  * @code
  *     // The line through (0, 1), (1, 3), (2, 5).
@@ -360,8 +398,8 @@ ORVANTH_API(int32_t) EigenSymmetric(double* a, const MatrixDescriptor* aDescript
  *     const MatrixDescriptor design = {0, 3, 3, 2}, response = {0, 3, 3, 1};
  *     const int status = (int)LS(a, &design, b, &response);
  *     printf("status %d, %.6g + %.6g t\n", status, b[0], b[1]);
- * @endcode
  * // prints: status 0, 1 + 2 t
+ * @endcode
  * @par Source
  * E. Anderson and others, LAPACK Users' Guide, third edition, SIAM, 1999 (dgels).
  */
@@ -372,9 +410,11 @@ ORVANTH_API(int32_t) LS(double* a, const MatrixDescriptor* aDescriptor, double* 
  * Least squares that stops at the first column that is collinear with the columns before it.
  *
  * @par Formula
+ * @code{.unparsed}
  * A = Q R by Householder reflections in the order of the columns, and x = R^-1 times the first n rows
  * of Q' b. Column i stops the call when tolerance times its own length is at least the length of the
  * part of it that is orthogonal to columns 1 to i - 1. A column of zeros counts as of length 1 here.
+ * @endcode
  * @param[in,out] a        m by n, m >= n; on status 0 the factors as from QR
  * @param[in] aDescriptor  view of a, offset honoured: rows = m >= 0, columns = n from 0 to 2499,
  *                         leadingDimension >= max(1, m)
@@ -401,13 +441,16 @@ ORVANTH_API(int32_t) LS(double* a, const MatrixDescriptor* aDescriptor, double* 
  * those before it LAPACK prints it as DGELSY. -8: more than 2499 columns, printed as DGEQP3. -5 also
  * for m < n, after a has been factored and x has been overwritten; otherwise, below 0, nothing is
  * written. errno is left alone.
+ * @par Threads
+ * Not reentrant: works on storage of the whole process. Calls of
+ * QR, QRP, QR_Q, QR_Qy, FullSVD, LS and OLS must not overlap in time.
  * @par Memory
  * None; the shared workspace serves.
  * @par Accuracy
  * Backward stable; certified regressions and costs: docs/accuracy/linalg.md
  * @par Equivalents
- * R: lm.fit(a, b, tol = tolerance), which moves collinear columns to the end and goes on.
- * SciPy: scipy.linalg.lstsq(a, b), without the stop.
+ * - R: lm.fit(a, b, tol = tolerance), which moves collinear columns to the end and goes on.
+ * - SciPy: scipy.linalg.lstsq(a, b), without the stop.
  * @par Example
  * @code
  *     // The line through (0, 1), (1, 3), (2, 5).
@@ -419,9 +462,9 @@ ORVANTH_API(int32_t) LS(double* a, const MatrixDescriptor* aDescriptor, double* 
  *     double c[6] = {1, 2, 3, 2, 4, 6};
  *     const int stopped = (int)OLS(c, &design, b, &column, x, &two, tau, 1e-7);
  *     printf("status %d\n", stopped);
- * @endcode
  * // prints: status 0, 1 + 2 t
  * // prints: status 2
+ * @endcode
  * @par Source
  * Z. Drmac, Z. Bujanovic, On the failure of rank-revealing QR factorization software - a case study,
  * ACM Transactions on Mathematical Software 35, 2008 (norms). R. Schreiber, C. Van Loan, A
@@ -436,7 +479,9 @@ ORVANTH_API(int32_t) OLS(double* a, const MatrixDescriptor* aDescriptor, double*
  * Solves a triangular system for one or more right-hand sides.
  *
  * @par Formula
+ * @code{.unparsed}
  * X = T^-1 B, or X = (T')^-1 B, where T is a triangle of A with its diagonal.
+ * @endcode
  * @param[in] a            n by n; the other triangle is not read
  * @param[in] aDescriptor  view of a, offset ignored: columns = n >= 0, leadingDimension >= max(1, n);
  *                         rows is not read
@@ -451,13 +496,15 @@ ORVANTH_API(int32_t) OLS(double* a, const MatrixDescriptor* aDescriptor, double*
  * @par Failure
  * Status -4: columns of a. -5: columns of b. -7, -9: leadingDimension of a, b. i > 0: diagonal element
  * i is exactly zero. For any status but 0, b is unchanged. errno is left alone.
+ * @par Threads
+ * Reentrant: calls may overlap in time if they write to different arrays.
  * @par Memory
  * None.
  * @par Accuracy
  * Backward stable: docs/accuracy/linalg.md
  * @par Equivalents
- * R: backsolve(a, b) and forwardsolve(a, b).
- * SciPy: scipy.linalg.solve_triangular(a, b).
+ * - R: backsolve(a, b) and forwardsolve(a, b).
+ * - SciPy: scipy.linalg.solve_triangular(a, b).
  * @par Example
  * @code
  *     // 2 x + y = 4 and 4 y = 8.
@@ -466,8 +513,8 @@ ORVANTH_API(int32_t) OLS(double* a, const MatrixDescriptor* aDescriptor, double*
  *     const MatrixDescriptor square = {0, 2, 2, 2}, column = {0, 2, 2, 1};
  *     const int status = (int)SolveTriangularSystem(a, &square, 1, 0, b, &column);
  *     printf("status %d, x = %.6g, y = %.6g\n", status, b[0], b[1]);
- * @endcode
  * // prints: status 0, x = 1, y = 2
+ * @endcode
  * @par Source
  * E. Anderson and others, LAPACK Users' Guide, third edition, SIAM, 1999 (dtrtrs).
  */
@@ -479,8 +526,10 @@ ORVANTH_API(int32_t) SolveTriangularSystem(const double* a, const MatrixDescript
  * The residual sum of squares of y - X b.
  *
  * @par Formula
+ * @code{.unparsed}
  * The sum over i of (y[i] - s[i])^2, where s[i] is the sum over j of b[j] x[i, j]. Both sums are
  * formed one addition at a time in ascending order.
+ * @endcode
  * @param[in] x           m by n
  * @param[in] descriptor  view of x, offset ignored: rows = m, columns = n, leadingDimension
  * @param[in] b           n doubles, the coefficients
@@ -491,21 +540,23 @@ ORVANTH_API(int32_t) SolveTriangularSystem(const double* a, const MatrixDescript
  * Infinities and NaNs follow the rules of arithmetic.
  * @par Failure
  * None. errno is left alone.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
  * @par Memory
  * None.
  * @par Accuracy
  * The bits of the sums in this order on every processor: docs/accuracy/linalg.md
  * @par Equivalents
- * R: sum((y - x %*% b)^2).
- * SciPy: numpy.sum((y - x @ b)**2).
+ * - R: sum((y - x %*% b)^2).
+ * - SciPy: numpy.sum((y - x @ b)**2).
  * @par Example
  * @code
  *     // Observations 1, 3, 6 beside the line 1 + 2 t at t = 0, 1, 2.
  *     const double x[6] = {1, 1, 1, 0, 1, 2}, b[2] = {1, 2}, y[3] = {1, 3, 6};
  *     const MatrixDescriptor design = {0, 3, 3, 2};
  *     printf("%.6g\n", Xb(x, &design, b, y));
- * @endcode
  * // prints: 1
+ * @endcode
  * @par Source
  * The definition.
  */

@@ -6,8 +6,9 @@
 
 /**
  * @file
- * Bound-constrained minimisation of a smooth function, one step at a time. The library never calls back: the caller
- * owns the loop and evaluates the function and its gradient when a step asks for them.
+ * Bound-constrained minimisation of a smooth function, one step at a time. The library never calls
+ * back: the caller owns the loop and evaluates the function and its gradient when a step asks for
+ * them.
  *
  *     state = LBFGSBStart(n, m, l, u, nbd, factr, pgtol);
  *     do {
@@ -16,28 +17,71 @@
  *     } while (code == 1 || code == 2);
  *     LBFGSBEnd(state);
  *
- * The method is L-BFGS-B 3.0: R. H. Byrd, P. Lu, J. Nocedal and C. Zhu, "A limited memory algorithm for bound
- * constrained optimization", SIAM J. Scientific Computing 16 (1995) 1190-1208; C. Zhu, R. H. Byrd, P. Lu and J. Nocedal,
- * "Algorithm 778", ACM Trans. Math. Software 23 (1997) 550-560; J. L. Morales and J. Nocedal, "Remark on Algorithm 778",
- * ACM Trans. Math. Software 38 (2011) 7. No errno is set and nothing is thrown. Several minimisations may be interleaved,
- * but no two threads may be inside LBFGSBStep or LBFGSBEnd at the same moment, even on different states.
+ * The method is L-BFGS-B 3.0. No errno is set and nothing is thrown. Several minimisations may be
+ * interleaved, each on a state of its own. docs/minimiser.md shows whole programs.
  */
 
 /**
- * Makes the state of one minimisation; nothing is validated before the first step.
+ * Makes the state of one minimisation.
  *
- * @param[in] n      number of variables
- * @param[in] m      number of correction pairs kept, 3 to 20 for most problems; the workspace has
- *                   2mn + 5n + 11m^2 + 8m doubles
- * @param[in] l      n lower bounds, read where nbd is 1 or 2; copied
- * @param[in] u      n upper bounds, read where nbd is 2 or 3; copied
- * @param[in] nbd    kind of bound of each of the n variables: 0 none, 1 lower, 2 both, 3 upper; copied
- * @param[in] factr  >= 0: a step that lowers f by at most factr * 2^-52 * max(|f before|, |f|, 1) ends the
- *                   minimisation; 1e7 is moderate accuracy, 10 high, 0 stops only where f did not decrease at all
- * @param[in] pgtol  the minimisation ends where no component of the projected gradient exceeds it; at 0 only an exactly
- *                   zero projected gradient does
- * @return the state, to be released by LBFGSBEnd; null if n is negative, if memory is short, or if the workspace would
- *         have 2^31 doubles or more
+ * Nothing is validated here: a wrong argument is reported by the first step.
+ *
+ * @par Formula
+ * @code{.unparsed}
+ * minimise f(x) subject to l[i] <= x[i] for nbd[i] = 1 or 2, x[i] <= u[i] for nbd[i] = 2 or 3
+ * @endcode
+ * @param[in] n  number of variables
+ * @param[in] m  number of correction pairs kept; 3 to 20 for most problems
+ * @param[in] l  n lower bounds; read where nbd is 1 or 2; copied
+ * @param[in] u  n upper bounds; read where nbd is 2 or 3; copied
+ * @param[in] nbd  n kinds of bounds: 0 none, 1 lower, 2 both, 3 upper; copied
+ * @param[in] factr  at least 0. A step that lowers f by at most
+ *            factr * 2^-52 * max(|f before|, |f|, 1) ends the minimisation. 1e7 is moderate accuracy,
+ *            10 is high; 0 stops only where f did not decrease at all.
+ * @param[in] pgtol  the minimisation ends where no component of the projected gradient is greater
+ *            in magnitude; 0 asks for a projected gradient of exactly zero
+ * @return the state, to be released by LBFGSBEnd; null if n is negative, if there is no memory, or if
+ * the workspace would have 2^31 doubles or more
+ * @par Edges
+ * n = 0, m <= 0, factr < 0, a kind other than 0 to 3, or l > u where both count: a state all the same;
+ * its first step answers 5.
+ * @par Failure
+ * Null as above. errno is left alone.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
+ * @par Memory
+ * 2mn + 7n + 11m^2 + 8m doubles and 4n integers, zero at the start, kept until LBFGSBEnd.
+ * @par Accuracy
+ * Set by factr and pgtol: docs/accuracy/optimise.md
+ * @par Equivalents
+ * - R: optim(method = "L-BFGS-B") with lmm = m, factr and pgtol.
+ * - SciPy: scipy.optimize.minimize(method="L-BFGS-B") with maxcor = m, ftol = factr * 2**-52 and
+ * gtol = pgtol.
+ * @par Example
+ * @code
+ *     // (x - 3)^2 with x at most 2.
+ *     const double l[1] = {0}, u[1] = {2};
+ *     const int32_t nbd[1] = {3};
+ *     double x[1] = {0}, f = 0, g[1] = {0};
+ *     int32_t code;
+ *     LBFGSBDriverState* state = LBFGSBStart(1, 5, l, u, nbd, 1e7, 1e-5);
+ *     do {
+ *         code = LBFGSBStep(state, x, &f, g);
+ *         if (code == 1) {
+ *             f = (x[0] - 3) * (x[0] - 3);
+ *             g[0] = 2 * (x[0] - 3);
+ *         }
+ *     } while (code == 1 || code == 2);
+ *     LBFGSBEnd(state);
+ *     printf("code %d, f = %.6f at %.6f\n", (int)code, f, x[0]);
+ * // prints: code 3, f = 1.000000 at 2.000000
+ * @endcode
+ * @par Source
+ * R. H. Byrd, P. Lu, J. Nocedal and C. Zhu, "A limited memory algorithm for bound constrained
+ * optimization", SIAM Journal on Scientific Computing 16, 1995; C. Zhu, R. H. Byrd, P. Lu and
+ * J. Nocedal, "Algorithm 778: L-BFGS-B", ACM Transactions on Mathematical Software 23, 1997;
+ * J. L. Morales and J. Nocedal, "Remark on Algorithm 778", ACM Transactions on Mathematical
+ * Software 38, 2011.
  */
 ORVANTH_API(LBFGSBDriverState*) LBFGSBStart(int32_t n, int32_t m, const double* l, const double* u,
                                             const int32_t* nbd, double factr, double pgtol);
@@ -45,34 +89,96 @@ ORVANTH_API(LBFGSBDriverState*) LBFGSBStart(int32_t n, int32_t m, const double* 
 /**
  * Advances a minimisation to the next point where the caller has something to do.
  *
- * Each code tells what is wanted or how it ended:
+ * The codes:
  *
  * | code | meaning |
  * |---|---|
  * | 1 | evaluate f and g at the x returned and call again with them |
- * | 2 | x is a finished iterate with its f and g: look at it, stop, or call again with all three unchanged |
+ * | 2 | x is a finished iterate with its f and g: stop, or call again with all three unchanged |
  * | 3 | converged: x, f and g are the solution |
  * | 4 | the line search failed for good: x, f and g are the last good point |
- * | 5 | the arguments of LBFGSBStart were rejected: n or m is not positive, factr is negative, a kind of bound is not 0 to 3, or a lower bound lies above its upper bound where both count; also the answer to a null state |
- * | 0 | anything else; not seen |
+ * | 5 | the arguments of LBFGSBStart were rejected, or the state is null |
+ * | 0 | anything else; does not occur |
  *
- * The first step answers 1 or 5. A start outside the bounds is projected onto them, so f and g belong to the x returned,
- * not to the x given. Convergence is reported by the step after a finished iterate, never together with it. In rare
- * conditions a message about the direction of descent is printed on standard output. After code 3, 4 or 5 no
- * further step makes sense.
+ * The first step answers 1 or 5. It projects a start outside the bounds onto them, so the first f and
+ * g belong to the x returned, not to the x given. Convergence is reported by the step after a finished
+ * iterate, never together with it.
  *
+ * @par Formula
+ * @code{.unparsed}
+ * None. Each iterate minimises a quadratic model of f within the bounds and searches on the line to
+ * that point.
+ * @endcode
  * @param[in,out] state  of LBFGSBStart
- * @param[in,out] x      n doubles: the start at the first step, afterwards as they came back; where to evaluate next
- * @param[in,out] f      the function's value at x; its value at the first step does not matter
- * @param[in,out] g      n doubles: the gradient at x; their values at the first step do not matter, but are returned
+ * @param[in,out] x  n doubles: the start at the first step, afterwards as they came back
+ * @param[in,out] f  the function's value at x; its value at the first step does not matter
+ * @param[in,out] g  n doubles, the gradient at x; their values at the first step do not matter
  * @return the code
+ * @par Edges
+ * After code 5 every further step answers 5 and touches nothing.
+ * After code 3 or 4 a further step answers 1 and goes on from old values; make a new state instead.
+ * A NaN in f or g ends in code 3 or 4 after a limited number of steps.
+ * @par Failure
+ * Codes 4 and 5. errno is left alone. In rare cases a line about the direction of descent is printed
+ * on standard output; the minimisation deals with the case by itself.
+ * @par Threads
+ * One thread at a time for each handle. Calls with different handles may overlap in time.
+ * @par Memory
+ * None. No pointer to x, f or g is kept between calls.
+ * @par Accuracy
+ * Set by factr and pgtol of LBFGSBStart: docs/accuracy/optimise.md
+ * @par Equivalents
+ * None in R or SciPy, whose drivers own the loop.
+ * @par Example
+ * @code
+ *     const double l[2] = {0, 0}, u[2] = {1, 1};
+ *     const int32_t nbd[2] = {2, 2};
+ *     double x[2] = {-4, 0.5}, f = 0, g[2] = {0, 0};
+ *     LBFGSBDriverState* state = LBFGSBStart(2, 5, l, u, nbd, 1e7, 1e-5);
+ *     int code = (int)LBFGSBStep(state, x, &f, g);
+ *     printf("code %d: evaluate at %g, %g\n", code, x[0], x[1]);
+ *     LBFGSBEnd(state);
+ * // prints: code 1: evaluate at 0, 0.5
+ * @endcode
+ * @par Source
+ * As for LBFGSBStart: Byrd, Lu, Nocedal and Zhu, 1995; Zhu, Byrd, Lu and Nocedal, 1997; Morales and
+ * Nocedal, 2011.
  */
 ORVANTH_API(int32_t) LBFGSBStep(LBFGSBDriverState* state, double* x, double* f, double* g);
 
 /**
  * Closes a minimisation, finished or not, and releases its state.
  *
- * @param[in] state  of LBFGSBStart, right after any code and also without any step; null is let be
+ * It is right after any code and also without any step.
+ *
+ * @par Formula
+ * @code{.unparsed}
+ * None.
+ * @endcode
+ * @param[in,out] state  of LBFGSBStart
+ * @par Edges
+ * A null state: nothing happens.
+ * @par Failure
+ * None.
+ * @par Threads
+ * One thread at a time for each handle. Calls with different handles may overlap in time.
+ * @par Memory
+ * Releases what LBFGSBStart allocated.
+ * @par Accuracy
+ * Does not apply; see docs/accuracy/optimise.md
+ * @par Equivalents
+ * None in R or SciPy.
+ * @par Example
+ * @code
+ *     const double l[1] = {0}, u[1] = {1};
+ *     const int32_t nbd[1] = {2};
+ *     LBFGSBEnd(LBFGSBStart(1, 5, l, u, nbd, 1e7, 1e-5));
+ *     LBFGSBEnd(NULL);
+ *     printf("released\n");
+ * // prints: released
+ * @endcode
+ * @par Source
+ * Interface of this library.
  */
 ORVANTH_API(void) LBFGSBEnd(LBFGSBDriverState* state);
 

@@ -6,49 +6,134 @@
 
 /**
  * @file
- * Seeded random numbers: the Mersenne Twister MT19937, one 32-bit word to each number delivered.
+ * Seeded random numbers: the Mersenne Twister MT19937, one 32-bit word for each number delivered.
  *
- * A seed fixes every number, on every processor and however the draws are divided among calls. Normal variates are
- * a one-shot operation on a seed; index draws continue a stream. A stream serves one thread at a time; calls on
- * different streams, and the normal exports, may run at once.
+ * A seed fixes every number. The numbers do not depend on the processor, nor on how the draws are
+ * divided among calls. The two normal exports take a seed and keep nothing between calls. Index draws
+ * take a stream and continue its sequence. docs/accuracy/random.md says which seeds can be combined.
  */
 
 /**
- * Makes a stream of random words.
+ * Makes a stream of random words from a seed.
  *
- * @param[in] seed  any 32-bit integer; a negative one is its bit pattern
- * @return the handle, to be given to DeleteRandomStream; 0 if there is no memory.
- * @par Method
- * M. Matsumoto and T. Nishimura, ACM Trans. Model. Comput. Simul. 8 (1998) 3; seeding by an array of one word.
+ * The handle belongs to the caller until DeleteRandomStream. The library keeps no list of handles.
+ *
+ * @par Formula
+ * @code{.unparsed}
+ * The words are those of MT19937, seeded by an array of one word.
+ * @endcode
+ * @param[in] seed  any 32-bit integer; a negative one stands for the unsigned word of the same bits
+ * @return the handle, or 0 if there is no memory
+ * @par Edges
+ * The seed 0 is a seed like any other.
+ * @par Failure
+ * No memory: 0, without a message. errno is left alone.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
+ * @par Memory
+ * About 2.5 kB, kept until DeleteRandomStream.
+ * @par Accuracy
+ * The words are exact: docs/accuracy/random.md
+ * @par Equivalents
+ * - R: none; set.seed(seed) seeds the same generator in another way.
+ * - SciPy: numpy.random.RandomState([seed]) delivers the same words.
+ * @par Example
+ * @code
+ *     RandomStreamHandle stream = CreateRandomStream(1);
+ *     int32_t index[5];
+ *     RandomUniformInteger(stream, index, 5);
+ *     for (int i = 0; i < 5; ++i) printf("%d ", (int)index[i]);
+ *     printf("\n%d\n", (int)DeleteRandomStream(stream));
+ * // prints: 0 2 4 4 3
+ * // prints: 0
+ * @endcode
+ * @par Source
+ * M. Matsumoto and T. Nishimura, "Mersenne Twister: a 623-dimensionally equidistributed uniform
+ * pseudo-random number generator", ACM Transactions on Modeling and Computer Simulation 8, 1998.
  */
 ORVANTH_API(RandomStreamHandle) CreateRandomStream(int32_t seed);
 
 /**
- * Releases a stream. The host drops its own copy of the handle.
+ * Releases a stream.
  *
+ * The caller's own copy of the handle is not changed and must not be used again.
+ *
+ * @par Formula
+ * @code{.unparsed}
+ * None.
+ * @endcode
  * @param[in] stream  a live handle
- * @return 0; -5 for the handle 0; -1006 for a handle that points at no live stream.
+ * @return 0; -5 for the handle 0; -1006 for a handle to something that is not a stream
+ * @par Edges
+ * A handle that was released before may be reported as -1006, but need not be: the memory is gone.
  * @par Failure
- * A negative status is also told on standard output: a blank line and "... Parameter 1 was incorrect on entry to
- * vslDeleteStream.".
+ * For each negative status a blank line and "MKL ERROR: Parameter 1 was incorrect on entry to
+ * vslDeleteStream." are printed on standard output. errno is left alone.
+ * @par Threads
+ * One thread at a time for each handle. Calls with different handles may overlap in time.
+ * @par Memory
+ * Releases what CreateRandomStream allocated.
+ * @par Accuracy
+ * Does not apply; the streams are described in docs/accuracy/random.md
+ * @par Equivalents
+ * None in R or SciPy.
+ * @par Example
+ * @code
+ *     int status = (int)DeleteRandomStream(0);
+ *     printf("%d\n", status);
+ * // prints:
+ * // prints: MKL ERROR: Parameter 1 was incorrect on entry to vslDeleteStream.
+ * // prints: -5
+ * @endcode
+ * @par Source
+ * Interface of this library.
  */
 ORVANTH_API(int32_t) DeleteRandomStream(RandomStreamHandle stream);
 
 /**
  * Fills an array with normal variates.
  *
+ * The same seed gives the same variates in every call.
+ *
+ * @par Formula
+ * @code{.unparsed}
+ * values[i] = mean + (sqrt(2) sigma) erfinv(u), u = w 2^-31 - 1, w the i-th word of the seed
+ * @endcode
  * @param[out] values  count doubles
- * @param[in]  count   how many; 0 draws nothing
- * @param[in]  mean    added to each; a NaN makes every variate a NaN
- * @param[in]  sigma   standard deviation, greater than 0; a NaN passes and is the result
- * @param[in]  seed    any 32-bit integer: the same numbers for the same seed
- * @return always 0. Each variate is mean + sqrt(2) sigma erfinv(u), u = word 2^-31 - 1; the word 0 gives the finite
- *         cut-off -8.2923610758136 standard deviations.
+ * @param[in] count  how many, at least 0
+ * @param[in] mean  mean of the variates
+ * @param[in] sigma  standard deviation, greater than 0
+ * @param[in] seed  any 32-bit integer
+ * @return always 0
+ * @par Edges
+ * count = 0: nothing is written, and the other arguments are not looked at.
+ * The word 0 gives mean - 8.292361075813595 sigma, the largest word mean + 6.230260138 sigma.
+ * No other word gives a value beyond these two.
+ * mean or sigma NaN: every variate is NaN.
+ * sigma = infinity: every variate is infinite, or NaN where erfinv is 0.
  * @par Failure
- * Told on standard output alone, `values` untouched: sigma <= 0 (parameter 6), count < 0 (3), null values (4) of
- * vdRngGaussian.
- * @par Method
- * Inversion: erfinv from a table of 212 intervals, to under one unit in the last place.
+ * The first of these holds; nothing is written and errno is left alone: count < 0 (parameter 3),
+ * values null (parameter 4), sigma <= 0 (parameter 6). A blank line and "MKL ERROR: Parameter 6 was
+ * incorrect on entry to vdRngGaussian.", with the number of the parameter, are printed on standard
+ * output.
+ * @par Threads
+ * Reentrant: calls may overlap in time if they write to different arrays.
+ * @par Memory
+ * None. The generator and its buffers take about 36 kB of the stack.
+ * @par Accuracy
+ * erfinv to less than one unit in the last place on the whole grid: docs/accuracy/random.md
+ * @par Equivalents
+ * - R: rnorm(count, mean, sigma), with other numbers.
+ * - SciPy: mean + sqrt(2) * sigma * scipy.special.erfinv(w / 2**31 - 1), the last digits apart.
+ * @par Example
+ * @code
+ *     double z[3];
+ *     RandomNormalVariable(z, 3, 0, 1, 1);
+ *     printf("%.6f %.6f %.6f\n", z[0], z[1], z[2]);
+ * // prints: -1.105995 0.174348 1.025489
+ * @endcode
+ * @par Source
+ * L. Devroye, "Non-Uniform Random Variate Generation", Springer, 1986, section II.2 (inversion).
  */
 ORVANTH_API(int32_t) RandomNormalVariable(double* values, int32_t count, double mean, double sigma,
                                           int32_t seed);
@@ -56,17 +141,44 @@ ORVANTH_API(int32_t) RandomNormalVariable(double* values, int32_t count, double 
 /**
  * Fills a matrix with normal variates, column after column.
  *
- * @param[out] values   rows * columns doubles, leading dimension rows
- * @param[in]  rows     rows; 0 draws nothing
- * @param[in]  columns  columns; 0 or less draws nothing, without a message
- * @param[in]  mean     added to each
- * @param[in]  sigma    standard deviation, greater than 0
- * @param[in]  seed     any 32-bit integer
- * @return always 0. The array is that of RandomNormalVariable with rows * columns variates.
+ * The array is that of RandomNormalVariable with rows * columns variates and the same seed.
+ *
+ * @par Formula
+ * @code{.unparsed}
+ * values[i + j rows] = mean + (sqrt(2) sigma) erfinv(u), u = w 2^-31 - 1, w the word i + j rows
+ * @endcode
+ * @param[out] values  rows * columns doubles, by columns, leading dimension rows
+ * @param[in] rows  rows, at least 0
+ * @param[in] columns  columns
+ * @param[in] mean  mean of the variates
+ * @param[in] sigma  standard deviation, greater than 0
+ * @param[in] seed  any 32-bit integer
+ * @return always 0
+ * @par Edges
+ * columns <= 0: nothing is written, no message, and the other arguments are not looked at.
+ * rows = 0: the same.
+ * mean and sigma as for RandomNormalVariable.
  * @par Failure
- * As RandomNormalVariable, one message per column.
- * @par Method
- * As RandomNormalVariable.
+ * As for RandomNormalVariable, with rows in place of count and one message for each column.
+ * @par Threads
+ * Reentrant: calls may overlap in time if they write to different arrays.
+ * @par Memory
+ * None. The generator and its buffers take about 36 kB of the stack.
+ * @par Accuracy
+ * As for RandomNormalVariable: docs/accuracy/random.md
+ * @par Equivalents
+ * - R: matrix(rnorm(rows * columns, mean, sigma), rows), with other numbers.
+ * - SciPy: as for RandomNormalVariable, with reshape((rows, columns), order="F").
+ * @par Example
+ * @code
+ *     double z[4];
+ *     RandomNormalVariables(z, 2, 2, 10, 2, 1);
+ *     printf("%.6f %.6f\n%.6f %.6f\n", z[0], z[2], z[1], z[3]);
+ * // prints: 7.788009 12.050978
+ * // prints: 10.348695 11.699479
+ * @endcode
+ * @par Source
+ * L. Devroye, "Non-Uniform Random Variate Generation", Springer, 1986, section II.2 (inversion).
  */
 ORVANTH_API(int32_t) RandomNormalVariables(double* values, int32_t rows, int32_t columns,
                                            double mean, double sigma, int32_t seed);
@@ -74,15 +186,47 @@ ORVANTH_API(int32_t) RandomNormalVariables(double* values, int32_t rows, int32_t
 /**
  * Draws an index vector: count integers from 0 to count - 1, with replacement.
  *
- * @param[in]  stream  a live handle; advances by one word per integer
+ * The count is both the number of draws and the exclusive upper bound.
+ *
+ * @par Formula
+ * @code{.unparsed}
+ * values[i] = floor(w (count 2^-32)), w the next word of the stream
+ * @endcode
+ * @param[in] stream  a live handle; it advances by one word for each integer
  * @param[out] values  count integers
- * @param[in]  count   how many, and the exclusive upper bound; 0 draws nothing
- * @return 0; -5 for the handle 0; -1006 for a handle that points at no live stream; -3 for a negative count or null
- *         values.
+ * @param[in] count  at least 0
+ * @return 0; -5 for the handle 0; -1006 for a handle to something that is not a stream; -3 for a
+ * negative count or null values
+ * @par Edges
+ * count = 0: 0, and the stream stays where it is.
+ * count = 1: writes 0 and takes one word.
  * @par Failure
- * A negative status is also told on standard output, by parameter of viRngUniform; nothing is drawn.
- * @par Method
- * The floor of word * (count 2^-32), without rejection: the small bias is part of the sequence.
+ * The first of these holds; nothing is written, no word is taken and errno is left alone: stream
+ * (parameter 2), count < 0 (parameter 3), values null (parameter 4). A blank line and "MKL ERROR:
+ * Parameter 2 was incorrect on entry to viRngUniform.", with the number of the parameter, are printed
+ * on standard output.
+ * @par Threads
+ * One thread at a time for each handle. Calls with different handles may overlap in time.
+ * @par Memory
+ * None.
+ * @par Accuracy
+ * Each index has probability 1/count to within 2^-31: docs/accuracy/random.md
+ * @par Equivalents
+ * - R: sample.int(count, count, replace = TRUE) - 1, with other numbers.
+ * - SciPy: numpy.floor(w * (count * 2.0**-32)) for words w of numpy.random.RandomState([seed]).
+ * @par Example
+ * @code
+ *     RandomStreamHandle stream = CreateRandomStream(1);
+ *     int32_t index[10];
+ *     RandomUniformInteger(stream, index, 10);
+ *     printf("%d %d %d %d %d\n", (int)index[0], (int)index[1], (int)index[2], (int)index[3],
+ *            (int)index[4]);
+ *     DeleteRandomStream(stream);
+ * // prints: 1 5 8 8 7
+ * @endcode
+ * @par Source
+ * M. Matsumoto and T. Nishimura, "Mersenne Twister: a 623-dimensionally equidistributed uniform
+ * pseudo-random number generator", ACM Transactions on Modeling and Computer Simulation 8, 1998.
  */
 ORVANTH_API(int32_t) RandomUniformInteger(RandomStreamHandle stream, int32_t* values,
                                           int32_t count);

@@ -1,10 +1,9 @@
 #include "distributions/binomial_quantile.hpp"
 
 #include <cmath>
-#include <cstdint>
+#include <utility>
 
-#include <boost/math/distributions/binomial.hpp>
-
+#include "frame/boost_detail.hpp"
 #include "frame/policies.hpp"
 #include "special/beta.hpp"
 
@@ -39,8 +38,7 @@ struct Start {
 };
 
 Start EstimateQuantile(double lower, double upper, double n, double p) {
-    const double guess =
-        boost::math::binomial_detail::inverse_binomial_cornish_fisher(n, p, lower, upper, DefaultPolicy());
+    const double guess = CornishFisherEstimate(n, p, lower, upper);
     if (n < 10) return guess > n / 64 ? Start{n / 4, 2} : Start{n / 1024, 8};
     // With p = 1 nothing varies and the estimate is a NaN; all the mass is at n.
     if (std::isnan(guess)) return {n, 2};
@@ -64,9 +62,8 @@ double SearchBinomialQuantile(double lower, double upper, double n, double p, Ro
     // The smaller of the two tails is searched: it has the more digits.
     const bool onUpper = !(lower < upper);
     const auto search = [&](double from, auto tolerance) {
-        std::uintmax_t iterations = bmp::get_max_root_iterations<DefaultPolicy>();
-        return boost::math::detail::do_inverse_discrete_quantile(Searched(n, p), onUpper ? upper : lower, onUpper,
-                                                                 from, start.factor, 1.0, tolerance, iterations);
+        return SearchDiscreteQuantile(Searched(n, p), onUpper ? upper : lower, onUpper, from, start.factor,
+                                      tolerance);
     };
     if (rounding == Rounding::kDown)
         return std::floor(

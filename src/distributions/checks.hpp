@@ -1,5 +1,5 @@
 // The parameter tests that the continuous families share. Each runs for every argument, so that a
-// call with two bad ones notes errno twice; the answer tells whether all passed.
+// call with two bad ones notes errno twice. The result is true if the test passed.
 #ifndef ORVANTH_DISTRIBUTIONS_CHECKS_HPP
 #define ORVANTH_DISTRIBUTIONS_CHECKS_HPP
 

@@ -1,8 +1,10 @@
 #include "distributions/hypergeometric_kernel.hpp"
 
+#include <array>
 #include <cmath>
 #include <limits>
 
+#include "frame/platform.hpp"
 #include "frame/policies.hpp"
 
 namespace orvanth {
@@ -19,18 +21,69 @@ constexpr double kTooSmallToStep = 8 * std::numeric_limits<double>::min();
 constexpr double kSurelyZero = -750;
 constexpr double kSurelyTooSmallToStep = -708;
 
+// In populations up to this size no probability is below 2^-1000, as none is below 1 / C(N, n).
+constexpr std::int64_t kNothingNegligible = 1000;
+
 // Against a probability from here on, the few hundred terms that are too small to step from add nothing.
 constexpr double kDeaf = 1e-285;
 
-// P(X = x + 1) and P(X = x - 1) from d = P(X = x).
-double StepUp(std::int64_t x, const HypergeometricCounts& c, double d) {
-    return static_cast<double>(c.n - x) * static_cast<double>(c.r - x) * d /
-           (static_cast<double>(x + 1) * static_cast<double>(c.N + x + 1 - c.n - c.r));
+// Terms per block of ratios: enough for the divisions to overlap, few enough for short sums.
+constexpr int kBlock = 16;
+
+// P(X = y + 1) / P(X = y) for kBlock counts from y on, where rest is N - n - r. Past the end of the
+// support the numbers mean nothing.
+ORVANTH_VECTOR_CLONES
+void FillRatios(double y, double n, double r, double rest, double* ratios) {
+    for (int i = 0; i < kBlock; ++i) {
+        const double at = y + i;
+        ratios[i] = (n - at) * (r - at) / ((at + 1) * (rest + at + 1));
+    }
 }
-double StepDown(std::int64_t x, const HypergeometricCounts& c, double d) {
-    return static_cast<double>(x) * static_cast<double>(c.N + x - c.n - c.r) * d /
-           (static_cast<double>(1 + c.n - x) * static_cast<double>(1 + c.r - x));
-}
+
+// Neighbouring probabilities, each stepped from the one before. A walk down counts the unmarked items
+// in the sample, n - x of N - r, and is a walk up over these.
+class Walk {
+public:
+    static Walk Up(std::int64_t x, const HypergeometricCounts& c) { return {x, c, c.r, x}; }
+    static Walk Down(std::int64_t x, const HypergeometricCounts& c) { return {x, c, c.N - c.r, c.n - x}; }
+
+    double Term() const { return term_; }
+
+    // To the next count, by the ratio of the two probabilities.
+    void Step() {
+        if (y_ >= blockEnd_) Fill();
+        term_ *= ratios_[kBlock - (blockEnd_ - y_)];
+        ++y_;
+    }
+
+    // To the next count, whose probability is `term`.
+    void StepTo(double term) {
+        term_ = term;
+        ++y_;
+    }
+
+private:
+    Walk(std::int64_t x, const HypergeometricCounts& c, std::int64_t r, std::int64_t y)
+        : n_(static_cast<double>(c.n)),
+          r_(static_cast<double>(r)),
+          rest_(static_cast<double>(c.N - c.n - r)),
+          y_(y),
+          blockEnd_(y),
+          term_(HypergeometricProbability(x, c)) {}
+
+    void Fill() {
+        FillRatios(static_cast<double>(y_), n_, r_, rest_, ratios_.data());
+        blockEnd_ = y_ + kBlock;
+    }
+
+    double n_;
+    double r_;
+    double rest_;
+    std::int64_t y_;
+    std::int64_t blockEnd_;
+    double term_;
+    std::array<double, kBlock> ratios_;
+};
 
 // ln k! by Stirling's series, thread-safe unlike lgamma; good to a few digits for small k too.
 double LogFactorial(std::int64_t k) {
@@ -53,7 +106,7 @@ double Mode(const HypergeometricCounts& c) {
 // From an end of the support towards the mode: the last x of an unbroken row of probabilities that add
 // nothing to the sum of a walk towards `target`, or `end` itself.
 std::int64_t SkipNegligible(std::int64_t end, double target, const HypergeometricCounts& c) {
-    if (!(target > 0)) return end;
+    if (!(target > 0) || c.N <= kNothingNegligible) return end;
     const double negligible = target >= kDeaf ? kSurelyTooSmallToStep : kSurelyZero;
     std::int64_t zero = end;
     std::int64_t other = std::min(c.Highest(), std::max(c.Lowest(), static_cast<std::int64_t>(Mode(c))));
@@ -69,13 +122,16 @@ std::int64_t SkipNegligible(std::int64_t end, double target, const Hypergeometri
 std::int64_t WalkUp(double p, double slack, const HypergeometricCounts& c) {
     const std::int64_t limit = c.Highest();
     std::int64_t x = SkipNegligible(c.Lowest(), p, c);
-    double sum = HypergeometricProbability(x, c);
-    double term = sum;
+    Walk walk = Walk::Up(x, c);
+    double sum = walk.Term();
     while (sum < p && x < limit) {
-        term = term > kTooSmallToStep ? StepUp(x, c, term) : HypergeometricProbability(x + 1, c);
-        if (sum + term / 2 > p) break;
+        if (walk.Term() > kTooSmallToStep)
+            walk.Step();
+        else
+            walk.StepTo(HypergeometricProbability(x + 1, c));
+        if (sum + walk.Term() / 2 > p) break;
         ++x;
-        sum += term;
+        sum += walk.Term();
     }
     return sum < p * slack && x != limit ? x + 1 : x;
 }
@@ -84,39 +140,40 @@ std::int64_t WalkUp(double p, double slack, const HypergeometricCounts& c) {
 std::int64_t WalkDown(double q, double slack, const HypergeometricCounts& c) {
     const std::int64_t limit = c.Highest();
     std::int64_t x = SkipNegligible(limit, q, c);
+    Walk walk = Walk::Down(x, c);
     double sum = 0;
-    double term = HypergeometricProbability(x, c);
-    while (sum + term / 2 < q && x > c.Lowest()) {
-        sum += term;
-        term = term > kTooSmallToStep ? StepDown(x, c, term) : HypergeometricProbability(x - 1, c);
+    while (sum + walk.Term() / 2 < q && x > c.Lowest()) {
+        sum += walk.Term();
+        if (walk.Term() > kTooSmallToStep)
+            walk.Step();
+        else
+            walk.StepTo(HypergeometricProbability(x - 1, c));
         --x;
     }
     return q < sum * slack && x != limit ? x + 1 : x;
 }
 
+// The term of the walk and up to `steps` further ones, until one falls to epsilon times the sum, or
+// to epsilon where the sum will be taken from 1.
+double Sum(Walk walk, std::int64_t steps, bool fromOne) {
+    double sum = walk.Term();
+    for (; steps > 0 && walk.Term() > kEpsilon * (fromOne ? 1 : sum); --steps) {
+        walk.Step();
+        sum += walk.Term();
+    }
+    return sum;
+}
+
 }  // namespace
 
 double HypergeometricTail(std::int64_t x, const HypergeometricCounts& c, bool upper) {
-    bool invert = upper;
+    const bool sumsDown = Mode(c) > static_cast<double>(x);
+    const bool invert = upper == sumsDown;
     double sum = 0;
-    // A sum that is to be taken from 1 may stop at the epsilon of 1.
-    const auto goesOn = [&](double term) { return term > (invert ? 1 : sum) * kEpsilon; };
-    if (Mode(c) > static_cast<double>(x)) {
-        double term = sum = HypergeometricProbability(x, c);
-        for (; x > c.Lowest() && goesOn(term); --x) {
-            term = StepDown(x, c, term);
-            sum += term;
-        }
-    } else {
-        invert = !invert;
-        if (x < c.Highest()) {
-            double term = sum = HypergeometricProbability(++x, c);
-            for (; x < c.Highest() && goesOn(term); ++x) {
-                term = StepUp(x, c, term);
-                sum += term;
-            }
-        }
-    }
+    if (sumsDown)
+        sum = Sum(Walk::Down(x, c), x - c.Lowest(), invert);
+    else if (x < c.Highest())
+        sum = Sum(Walk::Up(x + 1, c), c.Highest() - x - 1, invert);
     const double result = invert ? 1 - sum : sum;
     if (result > 1) return 1;
     if (result < 0) return 0;
@@ -125,7 +182,7 @@ double HypergeometricTail(std::int64_t x, const HypergeometricCounts& c, bool up
 
 std::int64_t HypergeometricQuantile(double p, double q, const HypergeometricCounts& c) {
     // What the probabilities may be wrong by, as a factor: the Lanczos form loses digits with N.
-    const double slack = 1 + kEpsilon * (c.N <= kLargestPrimePopulation ? 50 : 2 * static_cast<double>(c.N));
+    const double slack = 1 + kEpsilon * (c.N <= kLargestLongFactorial ? 50 : 2 * static_cast<double>(c.N));
     return p <= 0.5 ? WalkUp(p, slack, c) : WalkDown(q, slack, c);
 }
 

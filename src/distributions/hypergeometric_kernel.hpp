@@ -18,10 +18,10 @@ struct HypergeometricCounts {
     std::int64_t Highest() const { return std::min(n, r); }
 };
 
-// Populations up to this size go by the table of factorials, then by prime factors up to the
-// 10000th prime, above it by the Lanczos approximation.
+// Populations up to the first go by factorials that are doubles. Up to the second, the 10000th prime,
+// they go by factorials with twice the digits, above it by the Lanczos approximation.
 inline constexpr std::int64_t kLargestFactorialPopulation = 170;
-inline constexpr std::int64_t kLargestPrimePopulation = 104729;
+inline constexpr std::int64_t kLargestLongFactorial = 104729;
 
 // P(X = x), in [0, 1]; 0 outside the support.
 double HypergeometricProbability(std::int64_t x, const HypergeometricCounts& counts);
@@ -34,7 +34,7 @@ std::int64_t HypergeometricQuantile(double p, double q, const HypergeometricCoun
 
 // The three forms of the probability, for x inside the support.
 double ProbabilityByFactorials(std::int64_t x, const HypergeometricCounts& counts);
-double ProbabilityByPrimes(std::int64_t x, const HypergeometricCounts& counts);
+double ProbabilityByLongFactorials(std::int64_t x, const HypergeometricCounts& counts);
 double ProbabilityByLanczos(std::int64_t x, const HypergeometricCounts& counts);
 
 }  // namespace orvanth

@@ -1,4 +1,5 @@
 #include <cmath>
+#include <numbers>
 
 #include "frame/flags.hpp"
 #include "frame/policies.hpp"
@@ -8,9 +9,6 @@
 namespace {
 
 using namespace orvanth;
-
-constexpr double kTwoPi = 6.283185307179586;
-constexpr double kRootTwo = 1.4142135623730951;
 
 // The checks of the three functions below run twice, once for the distribution and once for the
 // call. The first only notes errno, so an infinite x may still be answered.
@@ -37,11 +35,11 @@ double RejectVariate(double x) {
 ORVANTH_API(double) NormalPDF(double x, double mean, double sd) {
     Silent silent;
     const bool valid = HasValidParameters(mean, sd);
-    if (std::isinf(x)) return 0;  // ahead of all other answers
+    if (std::isinf(x)) return 0;  // before the parameters decide
     if (!valid) return kNaN;
     if (std::isnan(x)) return RejectVariate(x);
     const double distance = x - mean;
-    return std::exp(-(distance * distance) / (2 * sd * sd)) / (sd * std::sqrt(kTwoPi));
+    return std::exp(-(distance * distance) / (2 * sd * sd)) / (sd * std::sqrt(2 * std::numbers::pi));
 }
 
 // The two tails differ in order: the upper one answers an infinite x ahead of the parameters.
@@ -52,12 +50,12 @@ ORVANTH_API(double) NormalCDF(double x, double mean, double sd, TailFlag tail) {
         if (!valid) return kNaN;
         if (std::isinf(x)) return x > 0 ? 1 : 0;
         if (std::isnan(x)) return RejectVariate(x);
-        return ErfCValue(-(x - mean) / (sd * kRootTwo)) / 2;
+        return ErfCValue(-(x - mean) / (sd * std::numbers::sqrt2)) / 2;
     }
     if (std::isinf(x)) return x > 0 ? 0 : 1;
     if (!valid) return kNaN;
     if (std::isnan(x)) return RejectVariate(x);
-    return ErfCValue((x - mean) / (sd * kRootTwo)) / 2;
+    return ErfCValue((x - mean) / (sd * std::numbers::sqrt2)) / 2;
 }
 
 ORVANTH_API(double) NormalICDF(double p, double mean, double sd, TailFlag tail) {
@@ -66,6 +64,6 @@ ORVANTH_API(double) NormalICDF(double p, double mean, double sd, TailFlag tail) 
     if (!(p >= 0 && p <= 1))
         return RaiseDomain("boost::math::quantile(const normal_distribution<%1%>&, %1%)",
                            "Probability argument is %1%, but must be >= 0 and <= 1 !", p);
-    const double z = InverseErfCValue(2 * p) * (sd * kRootTwo);
+    const double z = InverseErfCValue(2 * p) * (sd * std::numbers::sqrt2);
     return IsSet(tail) ? z + mean : -z + mean;
 }

@@ -1,4 +1,6 @@
 #include <cmath>
+#include <limits>
+#include <numbers>
 
 #include <boost/math/distributions/students_t.hpp>
 
@@ -7,6 +9,8 @@
 #include "frame/policies.hpp"
 #include "orvanth/distributions.h"
 #include "special/beta.hpp"
+#include "special/beta_inverse.hpp"
+#include "special/quantile_search.hpp"
 
 using namespace orvanth;
 
@@ -14,7 +18,7 @@ namespace {
 
 constexpr const char* kFunction = "boost::math::students_t_distribution<%1%>::students_t_distribution";
 
-constexpr double kTinyDf = 1e-300;
+constexpr const char* kQuantile = "boost::math::students_t_quantile<%1%>(%1%,%1%)";
 
 double Cumulative(double x, double df) {
     if (x == 0) return 0.5;
@@ -24,14 +28,48 @@ double Cumulative(double x, double df) {
     return x > 0 ? 1 - tail / 2 : tail / 2;
 }
 
+// ln(a B(a, 1/2)) / a. For small a the beginning of its power series: ln(a B) has no digits left there.
+double LogBetaPerShape(double a) {
+    constexpr double kSmallShape = 1e-4;
+    constexpr double kSecond = std::numbers::pi * std::numbers::pi / 6, kThird = 2.4041138063191886;  // 2 zeta(3)
+    if (a < kSmallShape) return 2 * std::numbers::ln2 - a * (kSecond - a * kThird);
+    return std::log(a * BetaFunction(a, 0.5)) / a;
+}
+
+// The t > 0 with the upper tail `tail`, below 1/2, from the inverse of I_x(df/2, 1/2) with x = df/(df + t^2). Where
+// x is tiny, I is x^a / (a B(a, 1/2)) to all digits, and t is in range longer than x.
+double QuantileFromBeta(double tail, double df) {
+    constexpr double kTinyLogX = -200;
+    const double a = df / 2;
+    const double logTwoTails = tail < 0.25 ? std::log(2 * tail) : std::log1p(2 * tail - 1);
+    const double logX = logTwoTails / a + LogBetaPerShape(a);
+    if (logX < kTinyLogX) return std::exp((std::log(df) - logX) / 2);
+    const BetaPoint point = InverseBetaPoint(kQuantile, a, 0.5, 2 * tail, 1 - 2 * tail);
+    return std::sqrt(df) * std::sqrt(point.y / point.x);
+}
+
+// Boost.Math corrects its estimate of t by one step with a derivative that has the factor x^3, and answers wrongly
+// where that underflows.
+bool HasDerivative(double t, double df) {
+    return std::isfinite(t) && std::pow(df / (df + t * t), 3) >= std::numeric_limits<double>::min();
+}
+
 double Quantile(double p, double df) {
     if (p == 0) return -RaiseOverflow(kFunction);
     if (p == 1) return RaiseOverflow(kFunction);
     if (p == 0.5) return 0;
     if (!CheckProbability(kFunction, p)) return kNaN;
-    // Half of the probability lies beyond every double.
-    if (df < kTinyDf) return p < 0.5 ? -RaiseOverflow(kFunction) : RaiseOverflow(kFunction);
-    return boost::math::quantile(boost::math::students_t_distribution<double, DefaultPolicy>(df), p);
+    const double tail = p < 0.5 ? p : 1 - p;
+    const auto fromBeta = [=] { return QuantileFromBeta(tail, df); };
+    // For fewer degrees of freedom the estimate of Boost.Math is no number.
+    constexpr double kTinyDf = 1e-300;
+    const auto estimate = [=] {
+        if (df < kTinyDf) return kNaN;
+        return std::fabs(boost::math::quantile(boost::math::students_t_distribution<double, DefaultPolicy>(df), p));
+    };
+    const double t = SearchOrFinish(
+        kQuantile, estimate, [=](double found) { return HasDerivative(found, df); }, fromBeta);
+    return p < 0.5 ? -Narrow(t, kQuantile) : Narrow(t, kQuantile);
 }
 
 }  // namespace
@@ -45,14 +83,14 @@ ORVANTH_API(double) StudentTPDF(double x, double df) {
     return kernel / (std::sqrt(df) * BetaFunction(df / 2, 0.5));
 }
 
-// Symmetry stands in for a complement.
+// There is no complement form: the flag negates x.
 ORVANTH_API(double) StudentTCDF(double x, double df, TailFlag tail) {
     Silent silent;
     if (!CheckDf(kFunction, df)) return kNaN;
     return Cumulative(IsSet(tail) ? -x : x, df);
 }
 
-// Required: the early return needs a bad df and a good p; otherwise the quantile sees p as it is.
+// Required: the early return needs a bad df and a good p; otherwise p goes on as it is.
 ORVANTH_API(double) StudentTICDF(double p, double df, TailFlag tail) {
     Silent silent;
     const bool valid = CheckDf(kFunction, df);

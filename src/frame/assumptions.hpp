@@ -1,4 +1,4 @@
-// What the library takes for granted of compiler and platform, checked at compile time.
+// Properties of the compiler and the platform that the library relies on, checked at compile time.
 #ifndef ORVANTH_FRAME_ASSUMPTIONS_HPP
 #define ORVANTH_FRAME_ASSUMPTIONS_HPP
 
@@ -13,7 +13,7 @@
 static_assert(std::numeric_limits<double>::is_iec559 && std::numeric_limits<double>::digits == 53);
 static_assert(FLT_EVAL_METHOD == 0, "doubles are evaluated in 64 bits: -msse2 -mfpmath=sse");
 static_assert(sizeof(int) == 4 && CHAR_BIT == 8);
-static_assert(EDOM == 33 && ERANGE == 34, "the numbers are part of the contract");
+static_assert(EDOM == 33 && ERANGE == 34, "callers and the manual name these numbers");
 static_assert(sizeof(MatrixDescriptor) == 16);
 static_assert(sizeof(RandomStreamHandle) == sizeof(void*));
 

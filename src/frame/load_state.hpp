@@ -7,7 +7,7 @@
 namespace orvanth {
 
 // What the noncentral hypergeometric code returns where it has no value: finite, and no NaN.
-extern const double FncInvalidValue;
+extern const double FNCInvalidValue;
 
 // LAPACK workspace shared by all fixed-workspace calls, without a lock and never released.
 extern const std::int32_t LapackWorkLength;

@@ -1,5 +1,6 @@
 #include "frame/policies.hpp"
 
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -75,10 +76,12 @@ void RaiseRounding(const char* function, const char* message, double value, cons
     Throw<boost::math::rounding_error>(Text(function, message, value, type));
 }
 
+void RaiseOutOfMemory() { throw std::bad_alloc(); }
+
 const char* TypeNamedBy(const char* function, const char* message) {
     const std::string_view where = function ? function : "";
     if (message != nullptr && std::string_view(message) == "numeric overflow") return kDouble;
-    // Distributions and root searches run in double; special functions are promoted.
+    // All of them are evaluated in double. Only the texts differ: those of special functions name long double.
     for (const char* own : {"distribution", "discrete_quantile", "tools::", "trunc<", "round<", "log1p<"})
         if (where.find(own) != std::string_view::npos) return kDouble;
     return kLongDouble;

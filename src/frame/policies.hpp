@@ -10,6 +10,8 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <type_traits>
+#include <utility>
 
 #include <boost/math/policies/error_handling.hpp>
 #include <boost/math/policies/policy.hpp>
@@ -27,6 +29,9 @@ using DefaultPolicy =
                 bmp::denorm_error<bmp::ignore_error>, bmp::evaluation_error<bmp::user_error>,
                 bmp::rounding_error<bmp::user_error>, bmp::indeterminate_result_error<bmp::ignore_error>,
                 bmp::promote_float<true>, bmp::promote_double<false>>;
+
+// For a calculation whose overflow the caller reports under a text of its own: an infinity comes back.
+using LateOverflowPolicy = bmp::normalise<DefaultPolicy, bmp::overflow_error<bmp::ignore_error>>::type;
 
 using RoundDownPolicy = bmp::normalise<DefaultPolicy, bmp::discrete_quantile<bmp::integer_round_down>>::type;
 using RoundUpPolicy = bmp::normalise<DefaultPolicy, bmp::discrete_quantile<bmp::integer_round_up>>::type;
@@ -73,11 +78,36 @@ public:
     static Silent* Current() noexcept { return current_; }
 
 private:
+    template <class Calculation>
+    friend auto Try(Calculation calculation);
+    // Forgets the failures noted so far; true if there were any.
+    bool Withdraw(int before) noexcept {
+        errno_ = before;
+        return std::exchange(noted_, false);
+    }
+
     static constinit ORVANTH_THREAD_LOCAL Silent* current_;
     Silent* outer_;
     int errno_;
     bool noted_ = false;
 };
+
+// A value, and whether a failure was noted on the way to it.
+template <class Value>
+struct Tried {
+    Value value;
+    bool failed;
+};
+
+// Runs a calculation that has a substitute if it fails. Its failures reach neither errno nor the caller's own
+// Silent object.
+template <class Calculation>
+auto Try(Calculation calculation) {
+    const int before = errno;
+    Silent silent;
+    const auto value = calculation();
+    return Tried<std::remove_const_t<decltype(value)>>{value, silent.Withdraw(before)};
+}
 
 // While a Silent object is alive these note 33 or 34 and return; elsewhere they throw. The texts are
 // templates: %1% in `function` is the type name, %1% in `message` the value with 17 digits.
@@ -88,6 +118,9 @@ double RaiseEvaluation(const char* function, const char* message, double reached
 
 // Always thrown.
 [[noreturn]] void RaiseRounding(const char* function, const char* message, double value, const char* type = kDouble);
+
+// Throws std::bad_alloc, as an allocation of that size would.
+[[noreturn]] void RaiseOutOfMemory();
 
 // The check that every special function's result passes on its way out: a magnitude beyond the
 // largest double is an overflow, under "numeric overflow" and type double. A NaN passes.

@@ -12,6 +12,7 @@ namespace orvanth::kolmogorov {
 
 namespace {
 
+// A matrix is scaled by 1e-140 when its central element passes 1e140 (Marsaglia, Tsang, Wang 2003).
 constexpr double kLarge = 1e140;
 constexpr std::int32_t kLargeExponent = 140;
 
@@ -31,8 +32,8 @@ void Build(std::int32_t m, double h, double* H) {
     }
     const double b = 2.0 * h - 1.0;
     if (b > 0) at(m - 1, 0) += std::pow(b, m);
-    // One division at a time: a precomputed factorial would round otherwise. Inside, all elements of
-    // a diagonal are 1.0 before and thus alike after.
+    // One division at a time, since division by a precomputed factorial rounds differently. Away from the first
+    // column and the last row every element is 1.0 before, so one quotient serves a whole diagonal.
     const auto divide = [](double element, std::int32_t last) {
         for (std::int32_t g = 1; g <= last; ++g) element /= g;
         return element;
@@ -57,18 +58,19 @@ template <int vectors>
     Lanes sum[4][vectors] = {};
     const double* const rows = A + i * m;
     for (std::int32_t k = 0; k < m; ++k) {
-        const Lanes* const b = reinterpret_cast<const Lanes*>(B + k * m + j);
+        Lanes b[vectors];
+        for (int v = 0; v < vectors; ++v) Load(B + k * m + j + v * kLanes, b[v]);
         for (std::int32_t r = 0; r < 4; ++r)
             for (int v = 0; v < vectors; ++v) sum[r][v] += rows[r * m + k] * b[v];
     }
     for (std::int32_t r = 0; r < 4; ++r)
-        for (int v = 0; v < vectors; ++v) reinterpret_cast<Lanes*>(C + (i + r) * m + j)[v] = sum[r][v];
+        for (int v = 0; v < vectors; ++v) Store(sum[r][v], C + (i + r) * m + j + v * kLanes);
 }
 
 }  // namespace
 
-// In tiles, each element still summed from 0.0 in ascending order: the bits of the plain triple loop.
-// At the far edges the last tile moves back and makes some elements again.
+// In tiles. Each element is summed from 0.0 in ascending order, so the bits are those of the plain triple loop.
+// Where m is no multiple of the tile, the last tile overlaps the one before and computes some elements twice.
 ORVANTH_VECTOR_CLONES
 void MatrixMultiply(const double* A, const double* B, double* C, std::int32_t m) {
     if (m < kLanes) {
@@ -88,39 +90,39 @@ void MatrixMultiply(const double* A, const double* B, double* C, std::int32_t m)
     }
 }
 
-void MatrixRenormalize(double* V, std::int32_t m, std::int32_t* e) {
+std::int32_t MatrixRenormalize(double* V, std::int32_t m, std::int32_t e) {
     for (std::size_t i = 0; i < Area(m); ++i) V[i] *= 1e-140;
-    *e += kLargeExponent;
+    return e + kLargeExponent;
 }
 
 namespace {
 
-// The levels of the recursion use the one B in turn, each after the level below it is done.
-void Power(const double* A, std::int32_t eA, double* V, std::int32_t* eV, std::int32_t m, std::int32_t n, double* B) {
+// B is scratch. The levels of the recursion use it in turn, each after the level below it has returned.
+std::int32_t Power(const double* A, std::int32_t eA, double* V, std::int32_t m, std::int32_t n, double* B) {
     if (n == 1) {
         std::copy(A, A + Area(m), V);
-        *eV = eA;
-        return;
+        return eA;
     }
-    Power(A, eA, V, eV, m, n / 2, B);
+    const std::int32_t eHalf = Power(A, eA, V, m, n / 2, B);
     MatrixMultiply(V, V, B, m);
-    std::int32_t eB = 2 * *eV;
-    if (Central(B, m) > kLarge) MatrixRenormalize(B, m, &eB);
+    std::int32_t eB = 2 * eHalf;
+    if (Central(B, m) > kLarge) eB = MatrixRenormalize(B, m, eB);
+    std::int32_t eV = eB;
     if (n % 2 == 0) {
         std::copy(B, B + Area(m), V);
-        *eV = eB;
     } else {
         MatrixMultiply(A, B, V, m);
-        *eV = eA + eB;
+        eV = eA + eB;
     }
-    if (Central(V, m) > kLarge) MatrixRenormalize(V, m, eV);
+    if (Central(V, m) > kLarge) eV = MatrixRenormalize(V, m, eV);
+    return eV;
 }
 
 }  // namespace
 
-void MatrixPower(const double* A, std::int32_t eA, double* V, std::int32_t* eV, std::int32_t m, std::int32_t n) {
+std::int32_t MatrixPower(const double* A, std::int32_t eA, double* V, std::int32_t m, std::int32_t n) {
     std::vector<double> B(Area(m));
-    Power(A, eA, V, eV, m, n, B.data());
+    return Power(A, eA, V, m, n, B.data());
 }
 
 double DurbinMatrix(std::int32_t n, double x) {
@@ -132,8 +134,7 @@ double DurbinMatrix(std::int32_t n, double x) {
     double* const H = block.data();
     double* const Q = H + Area(m);
     Build(m, k - t, H);
-    std::int32_t eQ = 0;
-    Power(H, 0, Q, &eQ, m, n, Q + Area(m));
+    std::int32_t eQ = Power(H, 0, Q, m, n, Q + Area(m));
     double s = Q[(k - 1) * m + k - 1];
     for (std::int32_t i = 1; i <= n; ++i) {
         s = (i * s) / nd;

@@ -11,16 +11,16 @@ namespace orvanth::kolmogorov {
 // n >= 2, 0 < n x below about 60.
 double DurbinMatrix(std::int32_t n, double x);
 
-// Row-major m x m matrices; a matrix value is array * 10^exponent.
+// Matrices are row-major, m x m. A matrix with exponent e has the value array * 10^e.
 
-// C = A B. Every element is summed from 0.0 in ascending order of the inner index. C is apart.
+// C = A B. Every element is summed from 0.0 in ascending order of the inner index. C overlaps neither A nor B.
 void MatrixMultiply(const double* A, const double* B, double* C, std::int32_t m);
 
-// V 10^eV = (A 10^eA)^n for n >= 1.
-void MatrixPower(const double* A, std::int32_t eA, double* V, std::int32_t* eV, std::int32_t m, std::int32_t n);
+// V = A^n for n >= 1, where A has the exponent eA. Returns the exponent of V.
+std::int32_t MatrixPower(const double* A, std::int32_t eA, double* V, std::int32_t m, std::int32_t n);
 
-// Scales V by 1e-140 and adds 140 to *e.
-void MatrixRenormalize(double* V, std::int32_t m, std::int32_t* e);
+// Scales V, which has the exponent e, by 1e-140. Returns the new exponent e + 140.
+std::int32_t MatrixRenormalize(double* V, std::int32_t m, std::int32_t e);
 
 }  // namespace orvanth::kolmogorov
 

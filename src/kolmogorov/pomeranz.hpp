@@ -9,9 +9,9 @@ namespace orvanth::kolmogorov {
 
 double Pomeranz(std::int32_t n, double x);
 
-// Fills A, Atflo and Atcei, each of 2n + 3 elements and zero before the call, for t = n x:
+// Fills A, atflo and atcei, each of 2n + 3 elements and zero before the call, for t = n x:
 // the boundary points in units of 1/n, floor(A - t) and ceil(A + t).
-void CalcFloorCeil(std::int32_t n, double t, double* A, double* Atflo, double* Atcei);
+void CalcFloorCeil(std::int32_t n, double t, double* A, double* atflo, double* atcei);
 
 }  // namespace orvanth::kolmogorov
 

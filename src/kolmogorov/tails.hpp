@@ -3,20 +3,23 @@
 #define ORVANTH_KOLMOGOROV_TAILS_HPP
 
 #include <cstdint>
+#include <optional>
 
 namespace orvanth::kolmogorov {
 
-// P(D_n <= x) and P(D_n > x) where a closed form applies, otherwise -1.0. The cut-offs of the two
-// differ on purpose. Ruben and Gambino, Ann. Inst. Statist. Math. 34 (1982) 167.
-double KolmogorovCumulativeSpecial(std::int32_t n, double x);
-double KolmogorovComplementSpecial(std::int32_t n, double x);
+// P(D_n <= x) and P(D_n > x) where a closed form holds.
+// H. Ruben and J. Gambino, Ann. Inst. Statist. Math. 34 (1982) 167.
+std::optional<double> KolmogorovCumulativeSpecial(std::int32_t n, double x);
+std::optional<double> KolmogorovComplementSpecial(std::int32_t n, double x);
 
-// The one-sided tail P(D_n+ > x), summed outward from its centre by logarithms; above n = 200000
-// the asymptotic form of W. Feller and S. Malmquist is used.
+// The one-sided tail P(D_n+ > x): the sum of Z. W. Birnbaum and F. H. Tingey, Ann. Math. Statist. 22 (1951) 592, up
+// to n = 200000, and the asymptotic form above.
 double SmirnovUpperTail(std::int32_t n, double x);
+
+// U. R. Maag and G. Dicaire, Biometrika 58 (1971) 653.
 double SmirnovUpperTailAsymptotic(std::int32_t n, double x);
 
-// ln(1 + x): its power series up to |x| = 0.1.
+// ln(1 + x), by its power series up to |x| = 0.1.
 double SeriesLog1p(double x);
 
 }  // namespace orvanth::kolmogorov

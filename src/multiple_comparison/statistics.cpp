@@ -1,12 +1,14 @@
 // What differs between the three statistics: the conditional probability and the bracket.
 //
-// The sums and products run in the order of the rule and of the comparisons, each value has the
+// The sums and products run in the order of the rule and of the comparisons. Every value has the
 // bits of the plain double loop over nodes and comparisons. Evaluations are saved where the bits
 // cannot change: over comparisons with equal lambda, over mirrored nodes, and of terms that do not
 // depend on the scale.
+#include <bit>
 #include <cmath>
 #include <cstddef>
 
+#include "frame/policies.hpp"
 #include "multiple_comparison/mc.hpp"
 #include "multiple_comparison/normal_form.hpp"
 
@@ -16,6 +18,15 @@ namespace {
 
 const double kRootTwo = std::sqrt(2.0);
 const double kRootPi = std::sqrt(3.141592653589793);
+
+bool SameBits(double a, double b) { return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b); }
+
+// The number of comparisons from `first` up to `end` that have the same lambda, and so the same scale.
+std::int32_t RunLength(const double* lambda, std::int32_t first, std::int32_t end) {
+    std::int32_t j = first + 1;
+    while (j < end && SameBits(lambda[j], lambda[first])) ++j;
+    return j - first;
+}
 
 // base^exponent by squaring, low bit first, on the magnitude of the exponent.
 double IntegerPower(double base, std::int32_t exponent) {
@@ -32,11 +43,24 @@ void MultiplyTimes(double& product, double factor, std::int32_t times) {
     for (std::int32_t i = 0; i < times; ++i) product = factor * product;
 }
 
-// The integral over the latent value of what the nodes of its rule give.
+// The integral over the latent value, from the products at the nodes of its rule.
 double OverTheLatent(const std::array<double, kRulePoints>& products) {
     double sum = 0.0;
     for (std::size_t i = 0; i < kRulePoints; ++i) sum += GaussHermite48.weights[i] * products[i];
     return sum / kRootPi;
+}
+
+// U(c_0 a_i) at the nodes. A NaN is refused by the first ConditionalCDF and not here: the tests of the
+// degrees of freedom come before it, and with two groups no quantile needs these terms.
+std::array<double, kRulePoints> TukeyFixedTerms(double lambda, double c) {
+    std::array<double, kRulePoints> terms{};
+    if (std::isnan(c)) return terms;
+    for (std::size_t i = 0; i < kHalfRule; ++i) {
+        const NormalPair pair = NormalForms(c * ((lambda * kRootTwo) * GaussHermite48.nodes[i]));
+        terms[i] = pair.at;
+        terms[i + kHalfRule] = pair.mirrored;
+    }
+    return terms;
 }
 
 }  // namespace
@@ -46,8 +70,8 @@ double DunnettDistribution::ConditionalCDF(double x, double s) const {
     std::array<double, kRulePoints> products;
     products.fill(1.0);
     for (std::int32_t j = 0, run = 0; j < k_ - 1; j += run) {
-        run = RunLength(j, k_ - 1);
-        const double c = scale_[j];
+        run = RunLength(lambda_, j, k_ - 1);
+        const double c = scale_[static_cast<std::size_t>(j)];
         for (std::size_t i = 0; i < kHalfRule; ++i) {
             const double a = (lambda_[j] * kRootTwo) * GaussHermite48.nodes[i];
             const NormalPair above = NormalForms((v + a) * c);
@@ -65,8 +89,8 @@ double HsuDistribution::ConditionalCDF(double x, double s) const {
     std::array<double, kRulePoints> products;
     products.fill(1.0);
     for (std::int32_t j = 0, run = 0; j < k_ - 1; j += run) {
-        run = RunLength(j, k_ - 1);
-        const double c = scale_[j];
+        run = RunLength(lambda_, j, k_ - 1);
+        const double c = scale_[static_cast<std::size_t>(j)];
         for (std::size_t i = 0; i < kRulePoints; ++i) {
             const double a = (lambda_[j] * kRootTwo) * GaussHermite48.nodes[i];
             MultiplyTimes(products[i], NormalForm((a + v) * c), run);
@@ -75,23 +99,19 @@ double HsuDistribution::ConditionalCDF(double x, double s) const {
     return OverTheLatent(products);
 }
 
-void TukeyDistribution::FillFixedTerms() const {
-    for (std::size_t i = 0; i < kHalfRule; ++i) {
-        const NormalPair pair = NormalForms(scale_[0] * ((lambda_[0] * kRootTwo) * GaussHermite48.nodes[i]));
-        fixedTerms_[i] = pair.at;
-        fixedTerms_[i + kHalfRule] = pair.mirrored;
-    }
-    fixedTermsReady_ = true;
-}
+TukeyDistribution::TukeyDistribution(std::int32_t k, double df, const double* lambda)
+    : MC(k, df, lambda),
+      lambda0_(k > 0 ? lambda[0] : kNaN),
+      scale0_(k > 0 ? scale_[0] : kNaN),
+      fixedTerms_(TukeyFixedTerms(lambda0_, scale0_)) {}
 
 double TukeyDistribution::ConditionalCDF(double x, double s) const {
-    if (!fixedTermsReady_) FillFixedTerms();
+    if (std::isnan(scale0_)) return RejectNormalArgument(-scale0_);
     const double v = x * s;
-    const double c = scale_[0];
     double sum = 0.0;
     for (std::size_t i = 0; i < kRulePoints; ++i) {
-        const double a = (lambda_[0] * kRootTwo) * GaussHermite48.nodes[i];
-        const double d = fixedTerms_[i] - NormalForm((a - v) * c);
+        const double a = (lambda0_ * kRootTwo) * GaussHermite48.nodes[i];
+        const double d = fixedTerms_[i] - NormalForm((a - v) * scale0_);
         sum += GaussHermite48.weights[i] * IntegerPower(d, k_ - 1);
     }
     return (k_ * sum) / kRootPi;

@@ -1,8 +1,7 @@
 #include "noncentral_hypergeometric/log_factorial.hpp"
 
-#include <array>
-#include <atomic>
 #include <cmath>
+#include <iterator>
 
 #include "frame/load_state.hpp"
 
@@ -10,20 +9,9 @@ namespace orvanth {
 
 namespace {
 
-// No lock: threads in their first call may all fill the table, and all store the same values.
-// Relaxed atomics are plain loads and stores that are allowed to meet.
-std::array<std::atomic<double>, kFNCLogFactorialEntries> FNCLogFactorialTable;
-std::atomic<std::int32_t> FNCLogFactorialTableReady;
-
-void FillTable() {
-    double running = 0.0;
-    FNCLogFactorialTable[0].store(0.0, std::memory_order_relaxed);
-    for (std::int32_t i = 1; i < kFNCLogFactorialEntries; ++i) {
-        running += std::log(i);
-        FNCLogFactorialTable[static_cast<std::size_t>(i)].store(running, std::memory_order_relaxed);
-    }
-    FNCLogFactorialTableReady.store(1, std::memory_order_release);
-}
+// A constant, so that threads share it without a lock and no call pays for filling it.
+#include "noncentral_hypergeometric/log_factorials.inc"
+static_assert(std::size(FNCLogFactorialTable) == kFNCLogFactorialEntries);
 
 }  // namespace
 
@@ -34,11 +22,7 @@ double FNCLogFactorial(std::int32_t k) {
         return std::log(x) * (x + 0.5) - x + 0.9189385332046727 +
                (0.08333333333333333 - r * r * 0.002777777777777778) * r;
     }
-    if (k < 2) return k < 0 ? FncInvalidValue : 0.0;
-    if (FNCLogFactorialTableReady.load(std::memory_order_acquire) == 0) FillTable();
-    return FNCLogFactorialTable[static_cast<std::size_t>(k)].load(std::memory_order_relaxed);
+    return k < 0 ? FNCInvalidValue : FNCLogFactorialTable[k];
 }
-
-bool FNCLogFactorialTableIsReady() { return FNCLogFactorialTableReady.load(std::memory_order_acquire) != 0; }
 
 }  // namespace orvanth

@@ -9,12 +9,8 @@ namespace orvanth {
 
 inline constexpr std::int32_t kFNCLogFactorialEntries = 1024;
 
-// ln k!: a running sum of logarithms below 1024, filled at first need, Stirling's series above;
-// FncInvalidValue for a negative k.
+// ln k!: a running sum of logarithms below 1024, Stirling's series from there on; FNCInvalidValue for a negative k.
 double FNCLogFactorial(std::int32_t k);
-
-// Whether the table has been filled; for tests.
-bool FNCLogFactorialTableIsReady();
 
 }  // namespace orvanth
 

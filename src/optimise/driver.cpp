@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <new>
 
+#include "frame/policies.hpp"
 #include "optimise/driver_state.hpp"
 #include "orvanth/optimise.h"
 
@@ -31,33 +32,18 @@ bool HasFinished(const LBFGSBDriverState& state) {
     return TaskHasPrefix(state, "CONV") || TaskHasPrefix(state, "ABNO") || TaskHasPrefix(state, "ERROR");
 }
 
-// Left uninitialised: the workspace of a large problem is written once, by the library.
-template <class T>
-bool Allocate(std::unique_ptr<T[]>& block, std::int64_t length) {
-    block.reset(new (std::nothrow) T[static_cast<std::size_t>(length)]);
-    return block != nullptr;
-}
-
-bool AllocateBlocks(LBFGSBDriverState& state) {
-    const std::int64_t n = state.n;
-    const std::int64_t workspace = WorkspaceLength(state.n, state.m);
-    return n >= 0 && workspace >= 0 && Allocate(state.x, n) && Allocate(state.l, n) && Allocate(state.u, n) &&
-           Allocate(state.nbd, n) && Allocate(state.g, n) && Allocate(state.wa, workspace) &&
-           Allocate(state.iwa, 3 * n);
-}
-
 }  // namespace
 
 // Nothing is validated here: a bad argument surfaces on the first step.
 ORVANTH_API(LBFGSBDriverState*)
 LBFGSBStart(std::int32_t n, std::int32_t m, const double* l, const double* u, const std::int32_t* nbd, double factr,
             double pgtol) {
+    Silent silent;
     std::unique_ptr<LBFGSBDriverState> state(new (std::nothrow) LBFGSBDriverState);
     if (state == nullptr) return nullptr;
     state->n = n;
     state->m = m;
-    if (!AllocateBlocks(*state)) return nullptr;
-    std::fill_n(state->g.get(), n, 0.0);
+    if (!AllocateArrays(*state)) return nullptr;
     std::copy_n(l, n, state->l.get());
     std::copy_n(u, n, state->u.get());
     std::copy_n(nbd, n, state->nbd.get());
@@ -67,20 +53,14 @@ LBFGSBStart(std::int32_t n, std::int32_t m, const double* l, const double* u, co
     return state.release();
 }
 
+// x, f and g are the minimiser's to change: it projects and moves x, and restores all three after a failed line
+// search.
 ORVANTH_API(std::int32_t) LBFGSBStep(LBFGSBDriverState* state, double* x, double* f, double* g) {
+    Silent silent;
     if (state == nullptr) return kRejected;
-    const std::int32_t n = state->n;
-    std::copy_n(x, n, state->x.get());
-    std::copy_n(g, n, state->g.get());
-    state->f = *f;
-
-    Advance(*state);
-
-    // Unconditional: x may have been projected or moved, and all three restored after a failed
-    // line search.
-    std::copy_n(state->x.get(), n, x);
-    std::copy_n(state->g.get(), n, g);
-    *f = state->f;
+    // The minimiser would take the task of a rejection for a wish to start, with the same bad arguments.
+    if (TaskHasPrefix(*state, "ERROR")) return kRejected;
+    Advance(*state, x, f, g);
     return Classify(*state);
 }
 
@@ -88,7 +68,7 @@ ORVANTH_API(void) LBFGSBEnd(LBFGSBDriverState* state) {
     if (state == nullptr) return;
     if (!HasFinished(*state)) {
         SetTask(*state, "STOP");
-        Advance(*state);
+        Advance(*state, nullptr, nullptr, nullptr);  // at this task none of them is read or written
     }
     delete state;
 }

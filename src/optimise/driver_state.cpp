@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 
-// gfortran appends the lengths of the character arguments.
+// gfortran appends an underscore to the name, and the lengths of the character arguments.
+// NOLINTNEXTLINE(readability-identifier-naming)
 extern "C" void setulb_(const std::int32_t* n, const std::int32_t* m, double* x, const double* l, const double* u,
                         const std::int32_t* nbd, double* f, double* g, const double* factr, const double* pgtol,
                         double* wa, std::int32_t* iwa, char* task, const std::int32_t* iprint, char* csave,
@@ -22,14 +24,31 @@ std::int64_t WorkspaceLength(std::int32_t n, std::int32_t m) {
     return length <= kLongest ? length : -1;
 }
 
+namespace {
+
+template <class T>
+bool Allocate(std::unique_ptr<T[]>& block, std::int64_t length) {
+    block.reset(new (std::nothrow) T[static_cast<std::size_t>(length)]());
+    return block != nullptr;
+}
+
+}  // namespace
+
+bool AllocateArrays(LBFGSBDriverState& state) {
+    const std::int64_t n = state.n;
+    const std::int64_t workspace = WorkspaceLength(state.n, state.m);
+    return n >= 0 && workspace >= 0 && Allocate(state.l, n) && Allocate(state.u, n) && Allocate(state.nbd, n) &&
+           Allocate(state.wa, workspace) && Allocate(state.iwa, 3 * n);
+}
+
 void SetTask(LBFGSBDriverState& state, std::string_view text) {
     std::fill_n(std::copy(text.begin(), text.end(), state.task), kTaskLength - static_cast<int>(text.size()), ' ');
 }
 
-void Advance(LBFGSBDriverState& state) {
-    setulb_(&state.n, &state.m, state.x.get(), state.l.get(), state.u.get(), state.nbd.get(), &state.f, state.g.get(),
-            &state.factr, &state.pgtol, state.wa.get(), state.iwa.get(), state.task, &state.iprint, state.csave,
-            state.lsave, state.isave, state.dsave, kTaskLength, kTaskLength);
+void Advance(LBFGSBDriverState& state, double* x, double* f, double* g) {
+    setulb_(&state.n, &state.m, x, state.l.get(), state.u.get(), state.nbd.get(), f, g, &state.factr, &state.pgtol,
+            state.wa.get(), state.iwa.get(), state.task, &state.iprint, state.csave, state.lsave, state.isave,
+            state.dsave, kTaskLength, kTaskLength);
 }
 
 }  // namespace orvanth

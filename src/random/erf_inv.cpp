@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 
 #include "random/erf_inv_rows.hpp"
-#include "random/numeric_mode.hpp"
 
 namespace orvanth {
 
@@ -19,9 +19,9 @@ namespace {
 
 using namespace erf_inv;
 
-bool HasTable(double x) { return (Bits(x) & ~kSignBit) - kTableFrom < kOne - kTableFrom; }
+bool HasRow(double x) { return (Bits(x) & ~kSignBit) - kTableFrom < kOne - kTableFrom; }
 
-// FromSixteenRows does the same, eight elements at a time; the bits agree.
+// One element by its row of the table. FromSixteenRows runs the same operations on eight elements at a time.
 double FromTable(double x) {
     const double v = std::fabs(x);
     const double w = 1.0 - v;
@@ -46,25 +46,18 @@ double FromTable(double x) {
     return xHigh * aHigh + (xLow * aHigh + x * l);
 }
 
-double Special(double x, std::int32_t index) {
-    constexpr const char* name = "vdErfInv";
+// NaN beyond -1 to 1, `atOne` with the sign of x at the ends, and x itself or its multiple near 0.
+double Special(double x, double atOne) {
     const double v = std::fabs(x);
-    if (std::isnan(x)) return x + x;
-    if (std::isinf(x))
-        return ReportNumericError(kDomainError, index, x, std::numeric_limits<double>::quiet_NaN(), name);
+    if (v == 1.0) return std::copysign(atOne, x);
+    if (!(v < 1.0)) return std::numeric_limits<double>::quiet_NaN();
     if (x == 0.0) return x;
-    if (v < 2.9103830456733704e-11) {
-        // sqrt(pi) / 2 in two parts; scaled so that tiny values stay exact.
-        const double scaled = x * 0x1p256;
-        return (scaled * 0.88623046875 + scaled * -3.543297241986351e-6) * 0x1p-256;
-    }
-    if (v == 1.0)
-        return ReportNumericError(kSingularity, index, x, std::copysign(std::numeric_limits<double>::infinity(), x),
-                                  name);
-    return ReportNumericError(kDomainError, index, x, std::numeric_limits<double>::quiet_NaN(), name);
+    // sqrt(pi) / 2 in two parts. The argument is scaled so that tiny values lose no digit.
+    const double scaled = x * 0x1p256;
+    return (scaled * 0.88623046875 + scaled * -3.543297241986351e-6) * 0x1p-256;
 }
 
-double ErfInvOf(double x, std::int32_t index) { return HasTable(x) ? FromTable(x) : Special(x, index); }
+double ErfInvOf(double x, double atOne) { return HasRow(x) ? FromTable(x) : Special(x, atOne); }
 
 #ifdef ORVANTH_WIDE_VECTORS
 
@@ -72,11 +65,11 @@ constexpr std::uint64_t kLastOfFirst = std::bit_cast<std::uint64_t>(1.0 - 0x1p-4
 constexpr std::uint64_t kLastOfSecond = std::bit_cast<std::uint64_t>(1.0 - 0x1p-8);
 constexpr SixteenRows kFirst = TakeSixteenRows(ErfInvCoefficientTable, kTableFrom, kLastOfFirst);
 constexpr SixteenRows kSecond = TakeSixteenRows(ErfInvCoefficientTable + 16, kLastOfFirst + 1, kLastOfSecond);
-constexpr std::int32_t kChunk = 1024;
+constexpr std::size_t kChunk = 1024;
 
-// Fifteen of sixteen uniform arguments fall in the first sixteen rows, and of the others again in the next; what
-// is left takes the portable road. `count` is at most kChunk and a multiple of kWideLanes.
-void InSixteens(std::int32_t count, const double* arguments, double* values, std::int32_t firstIndex) {
+// Of uniform arguments fifteen in sixteen fall in the first sixteen rows, and of the others fifteen in sixteen in the
+// next. What is left goes one by one. The count is at most kChunk and a multiple of kWideLanes.
+void InSixteens(std::int32_t count, const double* arguments, double* values, double atOne) {
     double others[kChunk + kWideLanes], results[kChunk], rare[kChunk + kWideLanes];
     std::int32_t places[kChunk + kWideLanes], rarePlaces[kChunk + kWideLanes];
     const std::int32_t left = FromSixteenRows(kFirst, count, arguments, values, others, places);
@@ -85,8 +78,7 @@ void InSixteens(std::int32_t count, const double* arguments, double* values, std
     for (std::int32_t j = 0; j < left; ++j) values[places[j]] = results[j];
     for (std::int32_t j = 0; j < rareLeft; ++j) {
         if (rarePlaces[j] >= left) break;  // padding
-        const std::int32_t place = places[rarePlaces[j]];
-        values[place] = ErfInvOf(rare[j], firstIndex + place);
+        values[places[rarePlaces[j]]] = ErfInvOf(rare[j], atOne);
     }
 }
 
@@ -94,21 +86,21 @@ void InSixteens(std::int32_t count, const double* arguments, double* values, std
 
 }  // namespace
 
-void vdErfInv(std::int32_t count, const double* arguments, double* values) {
-    std::int32_t done = 0;
+void ErfInv(std::span<const double> arguments, double* values, double atOne) {
 #ifdef ORVANTH_WIDE_VECTORS
     if (HasWideVectors())
-        while (count - done >= kWideLanes) {
-            const std::int32_t n = std::min(count - done, kChunk) & ~(kWideLanes - 1);
-            InSixteens(n, arguments + done, values + done, done);
-            done += n;
+        while (arguments.size() >= kWideLanes) {
+            const std::size_t n = std::min(arguments.size(), kChunk) & ~(std::size_t{kWideLanes} - 1);
+            InSixteens(static_cast<std::int32_t>(n), arguments.data(), values, atOne);
+            arguments = arguments.subspan(n);
+            values += n;
         }
 #endif
-    for (; done < count; ++done) values[done] = ErfInvOf(arguments[done], done);
+    ErfInvOneByOne(arguments, values, atOne);
 }
 
-void ErfInvPortable(std::int32_t count, const double* arguments, double* values) {
-    for (std::int32_t i = 0; i < count; ++i) values[i] = ErfInvOf(arguments[i], i);
+void ErfInvOneByOne(std::span<const double> arguments, double* values, double atOne) {
+    for (const double x : arguments) *values++ = ErfInvOf(x, atOne);
 }
 
 }  // namespace orvanth

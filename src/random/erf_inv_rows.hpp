@@ -1,4 +1,4 @@
-// The inverse error function by rows of its table: what one element and eight at a time share.
+// The inverse error function by rows of its table: what the forms for one element and for eight share.
 #ifndef ORVANTH_RANDOM_ERF_INV_ROWS_HPP
 #define ORVANTH_RANDOM_ERF_INV_ROWS_HPP
 
@@ -22,7 +22,7 @@ inline constexpr int kDegree = 12;  // the table's fit; its two further columns 
 inline constexpr int kHeadColumn = 15;
 inline constexpr int kSlopeColumn = 16;
 
-// From this magnitude on, and below 1, the table serves.
+// The table is for magnitudes from this one up to 1, 1 excluded.
 inline constexpr std::uint64_t kTableFrom = 0x3CA0000100000000u;
 
 inline std::uint64_t Bits(double value) { return std::bit_cast<std::uint64_t>(value); }
@@ -32,9 +32,9 @@ inline double Double(std::uint64_t bits) { return std::bit_cast<double>(bits); }
 
 inline constexpr std::int32_t kWideLanes = 8;
 
-// Sixteen rows by columns: a column is two vectors, in which one permutation finds eight elements.
+// Sixteen rows, stored by columns. A column is two vectors; one permutation finds eight of its elements.
 struct SixteenRows {
-    std::uint64_t first;  // the magnitudes that these rows serve
+    std::uint64_t first;  // bits of the smallest and the largest magnitude of these rows
     std::uint64_t last;
     alignas(64) double coefficients[kDegree + 1][16];
     alignas(64) double head[16];
@@ -53,9 +53,9 @@ constexpr SixteenRows TakeSixteenRows(const double (*rows)[kErfInvColumns], std:
     return columns;
 }
 
-// values[i] = erfinv(arguments[i]) for arguments that these rows serve, and something for others, which are
-// collected with their places; returns how many. `count` is a multiple of kWideLanes; `others` and `places` have
-// room for kWideLanes more. Needs HasWideVectors().
+// values[i] = erfinv(arguments[i]) for the arguments of these rows. The other arguments are collected in `others`
+// with their indices in `places`; their values are meaningless. Returns how many others there are. The count is a
+// multiple of kWideLanes; `others` and `places` have room for kWideLanes more. Needs HasWideVectors().
 std::int32_t FromSixteenRows(const SixteenRows& rows, std::int32_t count, const double* arguments, double* values,
                              double* others, std::int32_t* places);
 

@@ -4,25 +4,71 @@
 
 #include <boost/math/special_functions/beta.hpp>
 
+#include "frame/boost_detail.hpp"
 #include "frame/policies.hpp"
 #include "orvanth/special.h"
+#include "special/beta_inverse.hpp"
 #include "special/beta_limits.hpp"
 
 namespace orvanth {
 
 namespace {
 
-// An overflow inside is left to the narrowing check, under whose text it is reported.
-using LateOverflowPolicy = bmp::normalise<DefaultPolicy, bmp::overflow_error<bmp::ignore_error>>::type;
-
 constexpr const char* kParameterTests = "boost::math::ibeta<%1%>(%1%, %1%, %1%)";
+
+// I_x(a, b) for whole a and b as the lower tail of a binomial distribution of a + b - 1 trials with the success
+// fraction y = 1 - x, summed from its last and largest term down.
+double BinomialSum(double a, double b, double x, double y) {
+    const double last = BetaPowerTerms(a, b, x, y) / (a * y);
+    double sum = 1, term = 1;
+    for (double j = b - 1; j > 0; --j) sum += term *= j * x / ((a + b - j) * y);
+    return last * sum;
+}
+
+// Boost.Math takes the same sum for a second parameter below 40. Its terms have the factor x^(a + 1): where that
+// underflows they are 0, or NaN if the binomial coefficient overflows.
+bool IsBinomialSumLost(double a, double b, double x) {
+    constexpr double kMostTerms = 40;
+    return b < kMostTerms && a > 1 && b > 1 && std::floor(a) == a && std::floor(b) == b && x > 0 &&
+           (a + 1) * std::log(x) < std::log(std::numeric_limits<double>::min());
+}
+
+// Below the first, 1 / a overflows inside Boost.Math, and if both parameters are below the second, 1 / (a b) does.
+constexpr double kTinyParameter = 1e-300;
+constexpr double kTinyParameters = 1e-100;
+
+double GeneralRegularized(double a, double b, double x, bool complement);
+
+// For a or b below kTinyParameter, or both below kTinyParameters. The ratio of two tiny parameters decides alone;
+// beside a larger b, 1 - I is proportional to a, and beside a larger a, I is to b.
+double TinyRegularized(double a, double b, double x, bool complement) {
+    if (std::fmax(a, b) < kTinyParameters) return 1 / (1 + (complement ? b / a : a / b));
+    if ((a < b) != complement) return 1;
+    const double side = GeneralRegularized(std::fmax(a, kTinyParameter), std::fmax(b, kTinyParameter), x, complement);
+    return std::fmin(a, b) / kTinyParameter * side;
+}
+
+// For x in (0, 1) and positive a and b.
+double GeneralRegularized(double a, double b, double x, bool complement) {
+    if (std::fmin(a, b) < kTinyParameter || std::fmax(a, b) < kTinyParameters)
+        return TinyRegularized(a, b, x, complement);
+    const double y = 1 - x;
+    // The side of the mean on which the tail is the smaller one.
+    const bool swap = a < b ? a - (a + b) * x < 0 : (a + b) * y - b < 0;
+    if (!swap && IsBinomialSumLost(a, b, x)) {
+        const double tail = BinomialSum(a, b, x, y);
+        return complement ? 1 - tail : tail;
+    }
+    if (swap && IsBinomialSumLost(b, a, y)) {
+        const double tail = BinomialSum(b, a, y, x);
+        return complement ? tail : 1 - tail;
+    }
+    return complement ? Narrow(boost::math::ibetac(a, b, x, DefaultPolicy()), "boost::math::ibetac<%1%>(%1%,%1%,%1%)")
+                      : Narrow(boost::math::ibeta(a, b, x, DefaultPolicy()), "boost::math::ibeta<%1%>(%1%,%1%,%1%)");
+}
 
 // The regularized functions share their tests, and accept a zero parameter.
 double Regularized(double a, double b, double x, bool complement) {
-    if (x < 0 || x > 1)
-        return RaiseDomain(kParameterTests,
-                           "Parameter x outside the range [0,1] in the incomplete beta function (got x=%1%).", x,
-                           kLongDouble);
     if (a < 0)
         return RaiseDomain(kParameterTests,
                            "The argument a to the incomplete beta function must be >= zero (got a=%1%).", a,
@@ -41,10 +87,13 @@ double Regularized(double a, double b, double x, bool complement) {
     } else if (b == 0 && a > 0) {
         return complement ? 1 : 0;
     }
+    if (x < 0 || x > 1)
+        return RaiseDomain(kParameterTests,
+                           "Parameter x outside the range [0,1] in the incomplete beta function (got x=%1%).", x,
+                           kLongDouble);
     if (std::isnan(a) || std::isnan(b) || std::isnan(x)) return kNaN;
     if (x > 0 && x < 1 && IsForwardLimit(a, b)) return RegularizedBetaLimit(a, b, x, complement);
-    return complement ? Narrow(boost::math::ibetac(a, b, x, DefaultPolicy()), "boost::math::ibetac<%1%>(%1%,%1%,%1%)")
-                      : Narrow(boost::math::ibeta(a, b, x, DefaultPolicy()), "boost::math::ibeta<%1%>(%1%,%1%,%1%)");
+    return GeneralRegularized(a, b, x, complement);
 }
 
 // At an end of [0, 1] the exponent of the factor that vanishes there decides. With exponent 1 the
@@ -65,8 +114,7 @@ double DensityOutside(const char* function, double exponent) {
 // are 0 or the quotient is in range, no 1/x on the way may overflow.
 double DensityInside(const char* function, double a, double b, double x) {
     const double y = 1 - x;
-    const double terms = boost::math::detail::ibeta_power_terms(a, b, x, y, boost::math::lanczos::lanczos13m53(),
-                                                                true, DefaultPolicy());
+    const double terms = BetaPowerTerms(a, b, x, y);
     if (terms == 0) return 0;
     if (terms > x * y * kLargest) return RaiseOverflow(function);
     return terms / (x * y);
@@ -74,13 +122,11 @@ double DensityInside(const char* function, double a, double b, double x) {
 
 bool IsPositive(double a) { return a > 0; }  // false for a NaN
 
-// Both inverses: the complement as the search carries it, which keeps its digits near x = 1.
-template <class Inverse>
-double Invert(Inverse inverse, const char* function, double* complement) {
-    double y = 0;
-    const double x = Narrow(inverse(&y), function);
-    if (complement != nullptr) *complement = Narrow(y, function);
-    return x;
+// Both inverses pass x and its complement through the narrowing check.
+double Invert(const char* function, double a, double b, double p, double q, double* complement) {
+    const BetaPoint point = InverseBetaPoint(function, a, b, p, q);
+    if (complement != nullptr) *complement = Narrow(point.y, function);
+    return Narrow(point.x, function);
 }
 
 }  // namespace
@@ -138,18 +184,7 @@ double InverseBeta(double a, double b, double p, double* complement) {
     if (p < 0 || p > 1)
         return RaiseDomain(
             function, "Argument p outside the range [0,1] in the incomplete beta function inverse (got p=%1%).", p);
-    if (std::isnan(a) || std::isnan(b) || std::isnan(p)) return kNaN;
-    return Invert(
-        [&](double* y) {
-            if (p > 0 && p < 1 && IsBetaLimit(a, b)) return InverseBetaLimit(a, b, p, 1 - p, y);
-            if (p > 0 && p < kTinyBetaProbability) {
-                const double x = std::exp(InverseBetaTinyProbability(a, b, p));
-                *y = 1 - x;
-                return x;
-            }
-            return boost::math::ibeta_inv(a, b, p, y, DefaultPolicy());
-        },
-        function, complement);
+    return Invert(function, a, b, p, 1 - p, complement);
 }
 
 double InverseBetaC(double a, double b, double q, double* complement) {
@@ -166,19 +201,7 @@ double InverseBetaC(double a, double b, double q, double* complement) {
     if (q < 0 || q > 1)
         RaiseDomain(function,
                     "Argument q outside the range [0,1] in the incomplete beta function inverse (got q=%1%).", q);
-    const bool accepted = IsPositive(a) && IsPositive(b) && q >= 0 && q <= 1;
-    return Invert(
-        [&](double* y) {
-            if (accepted && q > 0 && q < 1 && IsBetaLimit(a, b)) return InverseBetaLimit(a, b, 1 - q, q, y);
-            if (accepted && q > 0 && q < kTinyBetaProbability) {
-                *y = std::exp(InverseBetaTinyProbability(b, a, q));
-                return 1 - *y;
-            }
-            if (accepted) return boost::math::ibetac_inv(a, b, q, y, DefaultPolicy());
-            *y = kNaN;
-            return kNaN;
-        },
-        function, complement);
+    return Invert(function, a, b, 1 - q, q, complement);
 }
 
 }  // namespace orvanth

@@ -3,6 +3,8 @@
 #ifndef ORVANTH_SPECIAL_BETA_LIMITS_HPP
 #define ORVANTH_SPECIAL_BETA_LIMITS_HPP
 
+#include "special/beta_inverse.hpp"
+
 namespace orvanth {
 
 // Beyond these the limits below are taken.
@@ -22,13 +24,9 @@ inline bool IsForwardLimit(double a, double b) { return a > kHugeForwardParamete
 // I_x(a, b), or its complement, for x in (0, 1).
 double RegularizedBetaLimit(double a, double b, double x, bool complement);
 
-// ln x with I_x(a, b) = p for a p so small that no search on p itself converges.
-inline constexpr double kTinyBetaProbability = 1e-50;
-double InverseBetaTinyProbability(double a, double b, double p);
-
-// x and *complement = 1 - x with I_x(a, b) = p = 1 - q, for a and b greater than 0 of which one is
-// beyond the limits, and p in (0, 1).
-double InverseBetaLimit(double a, double b, double p, double q, double* complement);
+// The point with I_x(a, b) = p = 1 - q, for a and b greater than 0 of which one is beyond the limits, and p in (0,
+// 1).
+BetaPoint InverseBetaLimit(double a, double b, double p, double q);
 
 }  // namespace orvanth
 

@@ -4,8 +4,10 @@
 
 #include <boost/math/special_functions/gamma.hpp>
 
+#include "frame/boost_detail.hpp"
 #include "frame/policies.hpp"
 #include "orvanth/special.h"
+#include "special/quantile_search.hpp"
 
 namespace orvanth {
 
@@ -13,16 +15,6 @@ namespace {
 
 // The largest argument that Gamma answers, a little below the true point of overflow.
 constexpr double kLargestGammaArgument = 171.0;
-
-// An overflow inside is left to the caller, who reports it under a text of its own.
-using LateOverflowPolicy = bmp::normalise<DefaultPolicy, bmp::overflow_error<bmp::ignore_error>>::type;
-
-// Beyond this point the polynomials of the Lanczos approximation of ln Gamma leave the range of
-// doubles and the answer is a NaN, also where ln Gamma itself would be representable.
-constexpr double kLargestLogArgument = 4.31965e25;
-
-// Below it the Lanczos sum of a tiny argument, some 588 / x, may leave the range although 1 / x does not.
-constexpr double kTiny = 1e-300;
 
 constexpr const char* kIncomplete = "boost::math::gamma_p<%1%>(%1%, %1%)";
 constexpr const char* kShape = "Argument a to the incomplete gamma function must be greater than zero (got a=%1%).";
@@ -43,45 +35,93 @@ bool AcceptsInverse(const char* function, const char* probability, double a, dou
     return a > 0 && p >= 0 && p <= 1;
 }
 
-// From here on the factor x^a exp(-x) or Gamma(a) may leave the range of doubles.
+// From here on x^a exp(-x) or Gamma(a) may leave the range of doubles where the incomplete function does not.
 constexpr double kLargeShape = 170.0;
 
-// Lower or upper incomplete gamma function for a large shape. One of the two is summed, the other
-// is what it leaves of Gamma(a): where both overflow, a NaN.
+// Below this x and above kLargeShape, x^a / Gamma(a + 1) is less than 1e-1300. Boost.Math divides by Gamma(a + 1)
+// there, which overflows.
+constexpr double kNegligibleVariate = 0x1p-26;  // the root of epsilon
+
+// From this shape on Boost.Math's sums near the mean take more than 1e5 terms, and from 1e10 on they may exceed its
+// limit of 1e6.
+constexpr double kHugeShape = 1e9;
+
+// Temme's expansion, good near the mean: its error is that of erfc, 1e-13 at most. Beyond 60 standard deviations from
+// the mean the smaller tail underflows.
+double HugeShapeTail(double a, double x, bool upper) {
+    if (std::isinf(a)) return std::isinf(x) ? kNaN : upper ? 1 : 0;
+    const double sigma = (x - a) / a;
+    const bool upperIsSmaller = x >= a;
+    const double smaller = sigma * sigma * a > 3600 ? 0 : TemmeTail(a, x);
+    return upper == upperIsSmaller ? smaller : 1 - smaller;
+}
+
+// Below it 1 / a overflows inside Boost.Math. Q is proportional to a there.
+constexpr double kTinyShape = 1e-300;
+
+double RegularizedGamma(double a, double x, bool upper) {
+    if (!AcceptsIncomplete(kIncomplete, a, x)) return kNaN;
+    if (x == 0 && a > 0) return upper ? 1 : 0;
+    if (a < kTinyShape) return upper ? a / kTinyShape * RegularizedGamma(kTinyShape, x, true) : 1;
+    if (x < kNegligibleVariate && a > kLargeShape) return upper ? 1 : 0;
+    if (a > kHugeShape) return HugeShapeTail(a, x, upper);
+    return upper ? Narrow(boost::math::gamma_q(a, x, DefaultPolicy()), "gamma_q<%1%>(%1%, %1%)")
+                 : Narrow(boost::math::gamma_p(a, x, DefaultPolicy()), "gamma_p<%1%>(%1%, %1%)");
+}
+
+// factor() x^a exp(-x), where the power may overflow and the product not. Where even the root of the power leaves the
+// range, so does the product, and the factor is not asked for: it may take long.
+template <class Factor>
+double TimesPrefix(Factor factor, double a, double x) {
+    const double prefix = IncompleteGammaPrefix(a, x);
+    if (prefix == 0) return 0;
+    if (!std::isinf(prefix)) return prefix * factor();
+    const double root = std::pow(x / std::exp(x / a), a / 2);
+    return std::isinf(root) ? kInfinity : root * factor() * root;
+}
+
+// Gamma(a) - summed, scaled where Gamma(a) overflows. From 172 on, Gamma(a) is seven times the largest double, and
+// the part that is not summed is more than a third of it.
+double RestOfGamma(double a, double summed) {
+    constexpr double kScale = 0x1p-10;
+    if (a <= kLargestGammaArgument) return boost::math::tgamma(a, DefaultPolicy()) - summed;
+    if (a >= 172) return kInfinity;
+    return (boost::math::tgamma(a - 1, DefaultPolicy()) * kScale * (a - 1) - summed * kScale) / kScale;
+}
+
+// Lower or upper incomplete gamma function for a large finite shape. The smaller one is summed, the
+// other is what it leaves of Gamma(a).
 double LargeIncomplete(double a, double x, bool upper) {
-    const DefaultPolicy policy;
+    if (x == 0 || std::isinf(x)) return upper == std::isinf(x) ? 0 : RestOfGamma(a, 0);
     const bool lowerIsSummed = x < 1.1 || x - 1 / (3 * x) < a;
-    double summed = boost::math::detail::full_igamma_prefix(a, x, policy);
-    if (summed != 0 && !std::isinf(summed))
-        summed *= lowerIsSummed
-                      ? boost::math::detail::lower_gamma_series(a, x, policy) / a
-                      : boost::math::detail::upper_gamma_fraction(a, x, std::numeric_limits<double>::epsilon());
-    if (lowerIsSummed != upper) return summed;
-    const double whole = a > kLargestGammaArgument ? RaiseOverflow(kIncomplete) : boost::math::tgamma(a, policy);
-    return whole - summed;
+    const auto factor = [=] { return lowerIsSummed ? LowerGammaSeries(a, x) / a : UpperGammaFraction(a, x); };
+    const double summed = TimesPrefix(factor, a, x);
+    return lowerIsSummed != upper ? summed : RestOfGamma(a, summed);
 }
 
 double IncompleteGamma(double a, double x, bool upper) {
     if (!AcceptsIncomplete(kIncomplete, a, x)) return kNaN;
-    double value = 0;
-    if (a >= kLargeShape && x > 0 && !std::isinf(x) && !std::isinf(a))
-        value = LargeIncomplete(a, x, upper);
-    else
-        value = upper ? boost::math::tgamma(a, x, DefaultPolicy()) : boost::math::tgamma_lower(a, x, DefaultPolicy());
-    return Narrow(value, kIncomplete);
+    if (std::isinf(a)) return !upper && x <= 1 ? 0 : RaiseOverflow(kIncomplete);
+    if (a >= kLargeShape) return Narrow(LargeIncomplete(a, x, upper), kIncomplete);
+    return Narrow(
+        upper ? boost::math::tgamma(a, x, DefaultPolicy()) : boost::math::tgamma_lower(a, x, DefaultPolicy()),
+        kIncomplete);
+}
+
+// Below it a probability has too few digits for a search by derivatives.
+constexpr double kSmallestNormal = std::numeric_limits<double>::min();
+
+// The x with P(a, x) = p and Q(a, x) = q, from the smaller of the two.
+double BisectGamma(double a, double p, double q) {
+    return Bisect(0, kLargest, [=](double x) {
+        return p <= q ? RegularizedGamma(a, x, false) < p : RegularizedGamma(a, x, true) > q;
+    });
 }
 
 }  // namespace
 
-double RegularizedGammaP(double a, double x) {
-    if (!AcceptsIncomplete(kIncomplete, a, x)) return kNaN;
-    return Narrow(boost::math::gamma_p(a, x, DefaultPolicy()), "gamma_p<%1%>(%1%, %1%)");
-}
-
-double RegularizedGammaQ(double a, double x) {
-    if (!AcceptsIncomplete(kIncomplete, a, x)) return kNaN;
-    return Narrow(boost::math::gamma_q(a, x, DefaultPolicy()), "gamma_q<%1%>(%1%, %1%)");
-}
+double RegularizedGammaP(double a, double x) { return RegularizedGamma(a, x, false); }
+double RegularizedGammaQ(double a, double x) { return RegularizedGamma(a, x, true); }
 
 double GammaDensity(double a, double x) {
     constexpr const char* function = "boost::math::gamma_p_derivative<%1%>(%1%, %1%)";
@@ -93,7 +133,7 @@ double GammaDensity(double a, double x) {
     }
     if (!accepted) return kNaN;
     const double density = boost::math::gamma_p_derivative(a, x, LateOverflowPolicy());
-    return std::isinf(density) ? RaiseOverflow(function) : density;
+    return std::isinf(density) ? RaiseOverflow(function, nullptr, kLongDouble) : density;
 }
 
 double InverseGammaP(double a, double p) {
@@ -103,7 +143,12 @@ double InverseGammaP(double a, double p) {
         p);
     if (p == 1) return kLargest;
     if (p == 0) return 0;
-    return accepted ? Narrow(boost::math::gamma_p_inv(a, p, DefaultPolicy()), function) : kNaN;
+    if (!accepted) return kNaN;
+    const auto bisect = [=] { return BisectGamma(a, p, 1 - p); };
+    if (p < kSmallestNormal) return bisect();
+    return SearchOrFinish(
+        function, [=] { return Narrow(boost::math::gamma_p_inv(a, p, DefaultPolicy()), function); },
+        [](double x) { return !std::isnan(x); }, bisect);
 }
 
 double InverseGammaQ(double a, double q) {
@@ -113,7 +158,12 @@ double InverseGammaQ(double a, double q) {
         q);
     if (q == 0) return kLargest;
     if (q == 1) return 0;
-    return accepted ? Narrow(boost::math::gamma_q_inv(a, q, DefaultPolicy()), function) : kNaN;
+    if (!accepted) return kNaN;
+    const auto bisect = [=] { return BisectGamma(a, 1 - q, q); };
+    if (q < kSmallestNormal) return bisect();
+    return SearchOrFinish(
+        function, [=] { return Narrow(boost::math::gamma_q_inv(a, q, DefaultPolicy()), function); },
+        [](double x) { return !std::isnan(x); }, bisect);
 }
 
 }  // namespace orvanth
@@ -126,9 +176,7 @@ ORVANTH_API(double) Gamma(double x) {
     if (x < 0 || x > kLargestGammaArgument) return kNaN;
     if (x == 0) return kInfinity;
     if (std::isnan(x)) return x;
-    constexpr const char* function = "boost::math::tgamma<%1%>(%1%)";
-    if (x < kTiny && std::isinf(boost::math::lanczos::lanczos13m53::lanczos_sum(x))) return RaiseOverflow(function);
-    return Narrow(boost::math::tgamma(x, DefaultPolicy()), function);
+    return Narrow(boost::math::tgamma(x, DefaultPolicy()), "boost::math::tgamma<%1%>(%1%)");
 }
 
 ORVANTH_API(double) GammaLn(double x) {
@@ -137,8 +185,7 @@ ORVANTH_API(double) GammaLn(double x) {
     if (std::isnan(x)) return x;
     if (x <= 0 && std::floor(x) == x)
         return RaiseDomain(function, "Evaluation of lgamma at a negative integer %1%.", x, kLongDouble);
-    if (x > kLargestLogArgument) return kNaN;
-    return Narrow(boost::math::lgamma(x, DefaultPolicy()), function);
+    return Narrow(boost::math::lgamma(x, LateOverflowPolicy()), function);
 }
 
 ORVANTH_API(double) GammaRegularized(double a, double x) {

@@ -12,7 +12,7 @@ from pathlib import Path
 from statistics import median
 
 ROOT = Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(ROOT / "examples/tour"))
+sys.path.insert(0, str(ROOT / "tools"))
 from host import Core  # noqa: E402
 
 REFERENCE = ROOT / "tests/data/accuracy/reference.tsv"

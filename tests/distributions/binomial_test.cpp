@@ -68,6 +68,17 @@ TEST(BinomialCDF, BrokenCountIsNotRounded) {
     EXPECT_EQ(BinomialCDF(2.5, 10, 0.5, 1), BetaRegularized(3.5, 7.5, 0.5));
 }
 
+TEST(BinomialCDF, OnlyTheLowByteOfTheFlagCounts) {
+    EXPECT_EQ(BinomialCDF(3, 10, 0.4, 0x100), BinomialCDF(3, 10, 0.4, 0));
+    EXPECT_EQ(BinomialCDF(3, 10, 0.4, 0x101), BinomialCDF(3, 10, 0.4, 1));
+    EXPECT_NE(BinomialCDF(3, 10, 0.4, 1), BinomialCDF(3, 10, 0.4, 0));
+}
+
+TEST(BinomialCDF, ThirtyEightOfTwoThousandMillionIsZero) {
+    EXPECT_EQ(BinomialCDF(38, 2e9, 0.27, 0), 0);
+    EXPECT_EQ(BinomialCDF(38, 2e9, 0.27, 1), 1);
+}
+
 TEST(BinomialCDF, AllTrialsGiveOneAndInTheUpperTailZero) {
     EXPECT_EQ(BinomialCDF(10, 10, 0.5, 0), 1);
     EXPECT_EQ(BinomialCDF(10, 10, 0.5, 1), 0);
@@ -110,6 +121,8 @@ TEST(BinomialICDF, RoundUpFlagCountsAsAWholeWordAndTailFlagByItsLowByte) {
     EXPECT_EQ(BinomialICDF(0.3, 10, 0.4, 0x100, 0), BinomialICDF(0.3, 10, 0.4, 0, 0));
     EXPECT_EQ(BinomialICDF(0.3, 10, 0.4, 0x101, 0), BinomialICDF(0.3, 10, 0.4, 1, 0));
     EXPECT_NE(BinomialICDF(0.3, 10, 0.4, 1, 0), BinomialICDF(0.3, 10, 0.4, 0, 0));
+    EXPECT_EQ(BinomialICDF(1, 10, 0.4, 0x100, 0), 10);
+    EXPECT_EQ(BinomialICDF(1, 10, 0.4, 0x101, 0), 0);
 }
 
 TEST(BinomialICDF, OneGivesAllTrialsAndInTheUpperTailNone) {
@@ -170,6 +183,31 @@ TEST(BinomialICDF, SmallUpperTailKeepsItsDigits) {
         const double up = BinomialICDF(tail, 1e6, 0.5, 1, 1);
         EXPECT_LE(BinomialCDF(up, 1e6, 0.5, 1), tail);
         EXPECT_GT(BinomialCDF(up - 1, 1e6, 0.5, 1), tail);
+    }
+}
+
+// With more than 100 trials the search steps out from its estimate by a factor of 1.01, at most 200
+// times. For tiny fractions the estimate is some 10 where the solution is below 1, which is too far.
+TEST(BinomialICDF, TinyFractionsWithProbabilitiesNextToOneAreAnEvaluationError) {
+    const auto roundedDown = [](double probability, double n, double p) {
+        return ThrownText<boost::math::evaluation_error>([=] { BinomialICDF(probability, n, p, 0, 0); });
+    };
+    const std::string text =
+        "Error in function boost::math::do_inverse_discrete_quantile<double>: Unable to bracket root, last nearest "
+        "value was ";
+    EXPECT_EQ(roundedDown(1 - 0x1p-53, 810, 5.8373906739175449e-12).rfind(text, 0), 0U);
+    EXPECT_EQ(roundedDown(1 - 0x8p-53, 403, 4.3506101424213234e-12).rfind(text, 0), 0U);
+    // Just near enough rounded down, not rounded up, where the search starts one further away.
+    EXPECT_EQ(BinomialICDF(1 - 0x3p-53, 557, 3.1471570420139038e-10, 0, 0), 1);
+    EXPECT_THROW(BinomialICDF(1 - 0x3p-53, 557, 3.1471570420139038e-10, 0, 1), boost::math::evaluation_error);
+    EXPECT_EQ(BinomialICDF(1 - 0x3p-53, 557, 1e-6, 0, 1), 4);
+}
+
+TEST(BinomialPS, TinyTailAreaOfAFractionalCountGivesItsBound) {
+    for (int before : {0, 7}) {
+        const auto call = CallWithErrno(before, [] { return BinomialPS(1e-200, 0.79, 8, 0); });
+        EXPECT_NEAR(call.value / 7.6906425805395856e-255, 1, 1e-12);
+        EXPECT_EQ(call.errnoAfter, before);
     }
 }
 
@@ -248,6 +286,35 @@ TEST(Binomial, ExtremeArgumentsComeBack) {
                     EXPECT_TRUE(quantile >= 0 && quantile <= std::ceil(n)) << probability << ' ' << n << ' ' << p;
                 }
         }
+}
+
+// A failure is an exception; what comes back is a number.
+TEST(Binomial, CountsUpTo2To31AndProbabilitiesDownTo1e300GiveNoNaN) {
+    std::mt19937 random(kSeed);
+    const auto uniform = [&random](double low, double high) {
+        return std::uniform_real_distribution<>(low, high)(random);
+    };
+    const auto number = [](auto call) {
+        try {
+            return call();
+        } catch (const std::exception&) {
+            return 0.0;
+        }
+    };
+    for (int i = 0; i < 3000; ++i) {
+        const double n = std::floor(std::exp2(uniform(0, 31)));
+        const double p = i % 3 == 0 ? uniform(0, 1) : std::pow(10, -uniform(0, i % 3 == 1 ? 15 : 300));
+        const double alpha = i % 2 ? uniform(0, 1) : std::pow(10, -uniform(0, 300));
+        const double k = std::floor(i % 2 ? std::exp2(uniform(0, std::log2(n))) : uniform(0, n));
+        for (int32_t flag : {0, 1}) {
+            EXPECT_FALSE(std::isnan(number([=] { return BinomialPDF(k, n, p); }))) << k << ' ' << n << ' ' << p;
+            EXPECT_FALSE(std::isnan(number([=] { return BinomialCDF(k, n, p, flag); }))) << k << ' ' << n << ' ' << p;
+            EXPECT_FALSE(std::isnan(number([=] { return BinomialICDF(alpha, n, p, flag, i & 1); })))
+                << alpha << ' ' << n << ' ' << p;
+            EXPECT_FALSE(std::isnan(number([=] { return BinomialPS(alpha, k, n, flag); })))
+                << alpha << ' ' << k << ' ' << n;
+        }
+    }
 }
 
 TEST(Binomial, NothingSetsErrno) {

@@ -210,4 +210,43 @@ TEST(Distributions, TheCumulativeProbabilityOfAQuantileIsItsProbability) {
     });
 }
 
+// A TailFlag is its low byte: 0x100 is clear, 0x101 and 0xFFFFFF02 are set.
+template <class Function>
+void ExpectLowByteDecides(const char* name, Function function) {
+    ASSERT_NE(function(0), function(1)) << name;
+    EXPECT_EQ(function(0x100), function(0)) << name;
+    EXPECT_EQ(function(0x101), function(1)) << name;
+    EXPECT_EQ(function(static_cast<TailFlag>(0xFFFFFF02u)), function(1)) << name;
+}
+
+TEST(Distributions, OnlyTheLowByteOfTheTailFlagCounts) {
+    ExpectLowByteDecides("BetaCDF", [](TailFlag tail) { return BetaCDF(0.3, 2, 3, tail); });
+    ExpectLowByteDecides("BetaCDF at 0", [](TailFlag tail) { return BetaCDF(0, 2, 3, tail); });
+    ExpectLowByteDecides("BetaCDF at 1", [](TailFlag tail) { return BetaCDF(1, 2, 3, tail); });
+    ExpectLowByteDecides("BetaICDF", [](TailFlag tail) { return BetaICDF(0.3, 2, 3, tail); });
+    ExpectLowByteDecides("BetaICDF at 0", [](TailFlag tail) { return BetaICDF(0, 2, 3, tail); });
+    ExpectLowByteDecides("BetaICDF at 1", [](TailFlag tail) { return BetaICDF(1, 2, 3, tail); });
+    ExpectLowByteDecides("ChiSquaredCDF", [](TailFlag tail) { return ChiSquaredCDF(2, 3, tail); });
+    ExpectLowByteDecides("ChiSquaredICDF", [](TailFlag tail) { return ChiSquaredICDF(0.3, 3, tail); });
+    ExpectLowByteDecides("FisherFCDF, small x", [](TailFlag tail) { return FisherFCDF(0.5, 3, 4, tail); });
+    ExpectLowByteDecides("FisherFCDF, large x", [](TailFlag tail) { return FisherFCDF(5, 3, 4, tail); });
+    ExpectLowByteDecides("FisherFICDF", [](TailFlag tail) { return FisherFICDF(0.3, 3, 4, tail); });
+    ExpectLowByteDecides("GammaCDF", [](TailFlag tail) { return GammaCDF(2, 3, 1, tail); });
+    ExpectLowByteDecides("GammaICDF", [](TailFlag tail) { return GammaICDF(0.3, 3, 1, tail); });
+    ExpectLowByteDecides("GammaICDF at 1", [](TailFlag tail) { return GammaICDF(1, 3, 1, tail); });
+    ExpectLowByteDecides("NormalCDF", [](TailFlag tail) { return NormalCDF(1, 0, 1, tail); });
+    ExpectLowByteDecides("NormalICDF", [](TailFlag tail) { return NormalICDF(0.3, 0, 1, tail); });
+    ExpectLowByteDecides("StudentTCDF", [](TailFlag tail) { return StudentTCDF(1, 3, tail); });
+    ExpectLowByteDecides("StudentTICDF", [](TailFlag tail) { return StudentTICDF(0.3, 3, tail); });
+}
+
+// The second parameter is tested for errno 33; with a good first one the call goes on into the inverse.
+TEST(FisherFICDF, TheSecondParameterIsTested) {
+    for (double bad : {0.0, -1.0, kNaN, kInfinity}) {
+        EXPECT_EQ(CallWithErrno(0, [=] { return FisherFICDF(0.3, 3, bad, 0); }).errnoAfter, 33) << bad;
+        EXPECT_EQ(CallWithErrno(0, [=] { return FisherFICDF(0.3, 3, bad, 1); }).errnoAfter, 33) << bad;
+        EXPECT_CALL(FisherFICDF(0.3, bad, bad, 0), kNaN, 33);
+    }
+}
+
 }  // namespace

@@ -125,7 +125,7 @@ TEST(HypergeometricICDF, SlackIsFiftyEpsilonsUpToThe10000thPrimeAndGrowsWithNAbo
         return HypergeometricICDF(below * (1 + excess), 10, 1000, N, 0);
     };
     constexpr double epsilon = 0x1p-52;
-    // The lower tail is below one half here only if many are drawn; see the check.
+    // The walk starts from the upper end: the lower tail is above one half.
     ASSERT_GT(HypergeometricCDF(0, 10, 1000, 104729, 0), 0.5);
     const auto upper = [](double excess, double N) {
         const double above = HypergeometricCDF(0, 10, 1000, N, 1);
@@ -140,6 +140,33 @@ TEST(HypergeometricICDF, SlackIsFiftyEpsilonsUpToThe10000thPrimeAndGrowsWithNAbo
     EXPECT_EQ(upper(-150000 * epsilon, 104730), 1);
     EXPECT_EQ(upper(-300000 * epsilon, 104730), 0);
     EXPECT_EQ(quantile(0.01, 104729), 1);
+}
+
+TEST(HypergeometricICDF, OnlyTheLowByteOfTheFlagCounts) {
+    EXPECT_EQ(HypergeometricICDF(0.3, 5, 6, 20, 0x100), HypergeometricICDF(0.3, 5, 6, 20, 0));
+    EXPECT_EQ(HypergeometricICDF(0.3, 5, 6, 20, 0x101), HypergeometricICDF(0.3, 5, 6, 20, 1));
+    EXPECT_NE(HypergeometricICDF(0.3, 5, 6, 20, 1), HypergeometricICDF(0.3, 5, 6, 20, 0));
+    EXPECT_EQ(ThrownText<std::domain_error>([] { HypergeometricICDF(2, 5, 6, 20, 0x100); }),
+              ThrownText<std::domain_error>([] { HypergeometricICDF(2, 5, 6, 20, 0); }));
+}
+
+// One marked item in a sample of half the population: P(X <= 0) is 1/2 as a double. A p below it is
+// reached by 1/2 and stays at 0 from 50 epsilons on; nearer than that it goes to 1.
+TEST(HypergeometricICDF, LowerSlackIsFiftyEpsilonsToTheLastBit) {
+    constexpr double halfEpsilon = 0x1p-53;
+    for (double N : {2.0, 172.0, 104728.0}) {
+        EXPECT_EQ(HypergeometricICDF(0.5 * (1 - 98 * halfEpsilon), 1, N / 2, N, 0), 1) << N;
+        EXPECT_EQ(HypergeometricICDF(0.5 * (1 - 99 * halfEpsilon), 1, N / 2, N, 0), 0) << N;
+    }
+}
+
+// The upper tail above 0 is 1/4. A q above it is met by it up to 50 epsilons.
+TEST(HypergeometricICDF, UpperSlackIsFiftyEpsilonsToTheLastBit) {
+    constexpr double epsilon = 0x1p-52;
+    for (double N : {4.0, 172.0, 104728.0}) {
+        EXPECT_EQ(HypergeometricICDF(0.25 * (1 + 49 * epsilon), 1, N / 4, N, 1), 1) << N;
+        EXPECT_EQ(HypergeometricICDF(0.25 * (1 + 50 * epsilon), 1, N / 4, N, 1), 0) << N;
+    }
 }
 
 TEST(HypergeometricICDF, InvertsTheDistributionAtEveryStep) {
@@ -172,8 +199,7 @@ TEST(Hypergeometric, BordersBetweenTheThreeFormsAreSeamless) {
     EXPECT_NEAR(HypergeometricPDF(10, 80, 50, 104730), 3.7657096874048409e-22, 1e-35);
 }
 
-TEST(Hypergeometric, PrimesAreThoseOfTheTableUpToItsLast) {
-    // One prime missing or one too many shows in a probability of 1/N for prime N.
+TEST(Hypergeometric, PrimePopulationsGiveTheirReciprocal) {
     for (unsigned i : {100U, 5000U, 9998U, 9999U}) {
         const double N = boost::math::prime(i);
         EXPECT_DOUBLE_EQ(HypergeometricPDF(1, 1, 1, N), 1 / N);
@@ -204,7 +230,7 @@ TEST(Hypergeometric, MarkedAndDrawnChangePlaces) {
         const int r = std::uniform_int_distribution<int>(0, N)(random);
         const int n = std::uniform_int_distribution<int>(0, N)(random);
         const double x = std::floor(static_cast<double>(r) * n / N);
-        const double tolerance = N <= kLargestPrimePopulation ? 1e-14 : 1e-9;
+        const double tolerance = N <= kLargestLongFactorial ? 1e-14 : 1e-9;
         EXPECT_NEAR(HypergeometricPDF(x, r, n, N) / HypergeometricPDF(x, n, r, N), 1, tolerance)
             << r << ' ' << n << ' ' << N << " seed " << kSeed;
         EXPECT_NEAR(HypergeometricCDF(x, r, n, N, 0) + HypergeometricCDF(x, r, n, N, 1), 1, 1e-13);
@@ -263,6 +289,32 @@ TEST(Hypergeometric, CountsOutsideTheUnsignedRangeWrapAround) {
     EXPECT_TRUE(EndsWith([] { HypergeometricPDF(2, -1, 6, 20); }, "must be <= N but got 4294967295"));
     EXPECT_EQ(HypergeometricPDF(0, kNaN, kNaN, kNaN), 1);
     EXPECT_EQ(HypergeometricPDF(0, 1e300, -kInfinity, 20), 1);
+}
+
+TEST(Hypergeometric, CountsUpTo2To31AndProbabilitiesDownTo1e300GiveNoNaN) {
+    std::mt19937_64 random(kSeed);
+    const auto uniform = [&random](double low, double high) {
+        return std::uniform_real_distribution<>(low, high)(random);
+    };
+    for (int i = 0; i < 3000; ++i) {
+        const double N = std::floor(std::exp2(uniform(0, 31)));
+        const double r = std::floor(i % 3 ? uniform(0, N + 1) : std::exp2(uniform(0, std::log2(N))));
+        const double n = std::floor(std::exp2(uniform(0, std::fmin(20, std::log2(N)))));
+        const double low = std::fmax(0, n + r - N);
+        const double high = std::fmin(n, r);
+        const double p = i % 2 ? uniform(0, 1) : std::pow(10, -uniform(0, 300));
+        for (double x :
+             {low, high, std::floor(uniform(low, high)), std::fmin(high, std::fmax(low, std::floor(r * n / N)))}) {
+            EXPECT_FALSE(std::isnan(HypergeometricPDF(x, r, n, N))) << x << ' ' << r << ' ' << n << ' ' << N;
+            for (TailFlag tail : {0, 1})
+                EXPECT_FALSE(std::isnan(HypergeometricCDF(x, r, n, N, tail)))
+                    << x << ' ' << r << ' ' << n << ' ' << N;
+        }
+        for (TailFlag tail : {0, 1}) {
+            const double x = HypergeometricICDF(p, r, n, N, tail);
+            EXPECT_TRUE(x >= low && x <= high) << p << ' ' << r << ' ' << n << ' ' << N;
+        }
+    }
 }
 
 TEST(Hypergeometric, NothingSetsErrno) {

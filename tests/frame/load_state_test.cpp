@@ -11,10 +11,10 @@ namespace {
 
 using namespace orvanth;
 
-TEST(LoadState, FncInvalidValueIsFiniteAndNoNaN) {
-    EXPECT_EQ(std::bit_cast<std::uint64_t>(FncInvalidValue), 0xE8C308A501F805DDu);
-    EXPECT_TRUE(std::isfinite(FncInvalidValue));
-    EXPECT_EQ(FncInvalidValue, -4.4462302923349974e+196);
+TEST(LoadState, FNCInvalidValueIsFiniteAndNoNaN) {
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(FNCInvalidValue), 0xE8C308A501F805DDu);
+    EXPECT_TRUE(std::isfinite(FNCInvalidValue));
+    EXPECT_EQ(FNCInvalidValue, -4.4462302923349974e+196);
 }
 
 TEST(LoadState, WorkspaceStandsFromLoadOn) {

@@ -57,7 +57,7 @@ TEST(GoldenThreads, ConcurrentCallsAgreeWithCallsAlone) {
         for (Row& row : ReadRows(std::string(ORVANTH_TEST_DATA) + "/golden/" + file))
             rows[row.name].push_back(std::move(row));
     std::vector<Call> calls;
-#define EXPORT(folder, name, result, arguments, failure) \
+#define EXPORT(folder, name, result, arguments, ...) \
     AddCalls<result(*) arguments>(library, #name, rows[#name], calls);
 #include "frame/exports.def"
 #undef EXPORT

@@ -69,12 +69,22 @@ TEST(KolmogorovCDF, WorkedValues) {
     EXPECT_NEAR(KolmogorovCDF(0.05, 1000, 1), 0.013012075, 5e-10);
 }
 
-TEST(KolmogorovCDF, NIsTruncatedAndTheComplementIsAWholeWord) {
+TEST(KolmogorovCDF, NIsTruncatedTowardZero) {
     EXPECT_EQ(KolmogorovCDF(0.3, 7.9, 0), KolmogorovCDF(0.3, 7, 0));
-    EXPECT_EQ(KolmogorovCDF(0.3, 10.9, 0x100), KolmogorovCDF(0.3, 10, 1));
+    EXPECT_EQ(KolmogorovCDF(0.3, 10.9, 1), KolmogorovCDF(0.3, 10, 1));
 }
 
-TEST(KolmogorovCDF, RegionsAreDividedAsStated) {
+TEST(Kolmogorov, TheWholeWordOfTheComplementCounts) {
+    for (std::int32_t word : {1, 0x100, 0x10000, INT32_MIN, -1}) {
+        EXPECT_EQ(KolmogorovCDF(0.3, 10, word), KolmogorovCDF(0.3, 10, 1)) << word;
+        EXPECT_EQ(KolmogorovCDF(-1, 10, word), 1.0) << word;
+        EXPECT_EQ(KolmogorovICDF(0.05, 40, word), KolmogorovICDF(0.05, 40, 1)) << word;
+    }
+    EXPECT_NE(KolmogorovCDF(0.3, 10, 0), KolmogorovCDF(0.3, 10, 1));
+    EXPECT_NE(KolmogorovICDF(0.05, 40, 0), KolmogorovICDF(0.05, 40, 1));
+}
+
+TEST(KolmogorovCDF, EachRegionTakesTheMethodOfTheDecisionTable) {
     EXPECT_EQ(KolmogorovCumulative(100, At(100, 0.754)), DurbinMatrix(100, At(100, 0.754)));
     EXPECT_EQ(KolmogorovCumulative(100, At(100, 0.7547)), Pomeranz(100, At(100, 0.7547)));
     EXPECT_EQ(KolmogorovCumulative(100, 0.2), 1.0 - 2.0 * SmirnovUpperTail(100, 0.2)) << "w = 4.0 belongs above";
@@ -84,21 +94,38 @@ TEST(KolmogorovCDF, RegionsAreDividedAsStated) {
     EXPECT_EQ(KolmogorovComplement(141, At(141, 2.21)), 2.0 * SmirnovUpperTail(141, At(141, 2.21)));
     EXPECT_EQ(KolmogorovComplement(141, At(141, 2.19)), 1.0 - PelzGood(141, At(141, 2.19)));
     EXPECT_EQ(KolmogorovComplement(140, At(140, 2.21)), 1.0 - Pomeranz(140, At(140, 2.21)));
-    // n^2 x^3 <= 2 up to n = 100000.
+    for (std::int32_t n : {20, 60, 140}) {
+        const double below = At(n, 0.7546929), above = At(n, 0.7546931);
+        EXPECT_EQ(KolmogorovCumulative(n, below), DurbinMatrix(n, below)) << n;
+        EXPECT_EQ(KolmogorovCumulative(n, above), Pomeranz(n, above)) << n;
+        EXPECT_NE(Pomeranz(n, below), DurbinMatrix(n, below)) << n;
+        EXPECT_NE(Pomeranz(n, above), DurbinMatrix(n, above)) << n;
+    }
+    // n^2 x^3 = 2 divides matrix and series.
+    const double inside = std::cbrt(1.9999 / 1e6), outside = std::cbrt(2.0001 / 1e6);
+    EXPECT_EQ(KolmogorovCumulative(1000, inside), DurbinMatrix(1000, inside));
+    EXPECT_EQ(KolmogorovCumulative(1000, outside), PelzGood(1000, outside));
+    // The matrix serves samples up to n = 100000.
     const double x = std::cbrt(1.99 / 1e10);
     EXPECT_EQ(KolmogorovCumulative(100000, x), DurbinMatrix(100000, x));
     EXPECT_EQ(KolmogorovCumulative(100001, x), PelzGood(100001, x));
 }
 
-TEST(KolmogorovCDF, TailsAddToOneWhereOneIsFormedFromTheOther) {
+TEST(KolmogorovCDF, TailsAddToOneWithinRoundingOrWithin6em7WhereTheirMethodsDiffer) {
     std::mt19937_64 random(kSeed);
     std::uniform_real_distribution<double> exponent(0.1, 6), strength(0.03, 17);
     for (int i = 0; i < 2000; ++i) {
         const double n = std::floor(std::pow(10, exponent(random))), x = std::sqrt(strength(random) / n);
         const double lower = KolmogorovCDF(x, n, 0), upper = KolmogorovCDF(x, n, 1);
         const bool unrelated = n > 140 && n * x * x >= 2.2;
-        EXPECT_NEAR(lower + upper, 1, unrelated ? 2e-5 : 3e-16) << "seed " << kSeed << " n " << n << " x " << x;
+        EXPECT_NEAR(lower + upper, 1, unrelated ? 6e-7 : 3e-16) << "seed " << kSeed << " n " << n << " x " << x;
     }
+}
+
+TEST(KolmogorovCDF, TheSumOfTheTailsIsFarthestFromOneWhereTheirMethodsPart) {
+    const double x = At(141, 2.2000001);
+    const double off = KolmogorovCDF(x, 141, 0) + KolmogorovCDF(x, 141, 1) - 1;
+    EXPECT_NEAR(std::fabs(off), 5.17e-7, 0.02e-7);
 }
 
 TEST(KolmogorovCDF, RisesWithX) {
@@ -151,6 +178,27 @@ TEST(KolmogorovCDF, UnderflowOfTheRuntimeDoesNotReachErrno) {
     EXPECT_EQ(CallWithErrno(0, [] { return KolmogorovCDF(0.0006, 1000, 0); }).errnoAfter, 0);
 }
 
+TEST(KolmogorovICDF, TheSearchHas24BitsAGrowthOf2AndACapOf100) {
+    const auto search = [](double p, double n, int bits, double growth, std::uintmax_t cap) {
+        const auto [a, b] = boost::math::tools::bracket_and_solve_root(
+            [=](double x) { return KolmogorovCDF(x, n, 0) - p; }, 1.36 / std::sqrt(n), growth, true,
+            boost::math::tools::eps_tolerance<double>(bits), cap, DefaultPolicy());
+        return (b - a) * 0.5 + a;
+    };
+    int bitsShow = 0, growthShows = 0;
+    for (double p : {0.01, 0.1, 0.3, 0.5, 0.7, 0.9, 0.99})
+        for (double n : {10.0, 50.0, 300.0, 5000.0}) {
+            EXPECT_EQ(KolmogorovICDF(p, n, 0), search(p, n, 24, 2.0, 100)) << p << " " << n;
+            bitsShow += KolmogorovICDF(p, n, 0) != search(p, n, 23, 2.0, 100);
+            growthShows += KolmogorovICDF(p, n, 0) != search(p, n, 24, 3.0, 100);
+        }
+    EXPECT_GT(bitsShow, 0);
+    EXPECT_GT(growthShows, 0);
+    // The cap is reached only where the start lies far off, for a size that no sample has.
+    EXPECT_EQ(KolmogorovICDF(0.5, 1e-150, 0), search(0.5, 1e-150, 24, 2.0, 100));
+    EXPECT_NE(KolmogorovICDF(0.5, 1e-150, 0), search(0.5, 1e-150, 24, 2.0, 99));
+}
+
 TEST(KolmogorovICDF, BothTailsGiveTheSamePoint) {
     EXPECT_NEAR(KolmogorovICDF(0.95, 100, 0), 0.13403, 5e-6);
     EXPECT_NEAR(KolmogorovICDF(0.05, 100, 1), 0.13403, 5e-6);
@@ -198,6 +246,22 @@ TEST(KolmogorovICDF, AProbabilityThatNoXReachesThrows) {
                 << p;
             EXPECT_EQ(errno, 7);
         }
+}
+
+TEST(KolmogorovICDF, TheFailureTellsThePoint299BinaryPlacesFromTheStart) {
+    const auto told = [](double p, double n, std::int32_t complement) {
+        const std::string text = ThrownText<boost::math::evaluation_error>([=] { KolmogorovICDF(p, n, complement); });
+        return std::stod(text.substr(std::string(kUnbracketed).size()));
+    };
+    for (double n : {1.0, 20.0, 1e6}) {
+        const double up = std::ldexp(1.36 / std::sqrt(n), 299), down = std::ldexp(1.36 / std::sqrt(n), -299);
+        EXPECT_EQ(told(1.5, n, 0), up);
+        EXPECT_EQ(told(-0.1, n, 1), up);
+        EXPECT_EQ(told(-0.1, n, 0), down);
+        EXPECT_EQ(told(1.5, n, 1), down);
+        EXPECT_EQ(told(kNaN, n, 0), down);
+        EXPECT_EQ(told(kNaN, n, 1), down);
+    }
 }
 
 TEST(KolmogorovICDF, ASenselessSampleSizeThrowsAndReturnsAtOnce) {
@@ -257,7 +321,7 @@ TEST(Published, PercentagePointsWhereThePrintedFigureIsRight) {
 }
 
 std::string Region(double n, double x) {
-    if (KolmogorovCumulativeSpecial(static_cast<std::int32_t>(n), x) >= 0) return "closed form";
+    if (KolmogorovCumulativeSpecial(static_cast<std::int32_t>(n), x)) return "closed form";
     const double w = n * x * x;
     if (n <= 140) return w < 0.754693 ? "matrix, n <= 140" : w < 4 ? "recursion" : "one-sided tail, n <= 140";
     if (w * x * n <= 2.0 && n <= 100000) return "matrix, n > 140";

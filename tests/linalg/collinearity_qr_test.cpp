@@ -155,13 +155,14 @@ TEST(CollinearityLeastSquares, AnEmptyProblemWantsAnElementAllTheSame) {
 }
 
 TEST(CollinearityQR, RejectedArgumentsAreReportedUnderDgeqp3) {
-    for (auto [m, n, lda, length, info] : {std::array{-1, 3, 4, 20, -1},
-                                           {4, -1, 4, 20, -2},
-                                           {4, 3, 3, 20, -4},
-                                           {0, 3, 0, 20, -4},
-                                           {4, 3, 4, 12, -8},
-                                           {0, 3, 1, 0, -8},
-                                           {-1, -1, 0, 0, -1}}) {
+    for (const std::array<int, 5>& row : {std::array{-1, 3, 4, 20, -1},
+                                          {4, -1, 4, 20, -2},
+                                          {4, 3, 3, 20, -4},
+                                          {0, 3, 0, 20, -4},
+                                          {4, 3, 4, 12, -8},
+                                          {0, 3, 1, 0, -8},
+                                          {-1, -1, 0, 0, -1}}) {
+        const int m = row[0], n = row[1], lda = row[2], length = row[3], info = row[4];
         Matrix a = Identity(4);
         const std::vector<double> before = a.storage;
         double tau[4], work[20];

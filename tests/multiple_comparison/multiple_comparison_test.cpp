@@ -13,6 +13,7 @@
 #include <boost/multiprecision/cpp_bin_float.hpp>
 
 #include "frame/policies.hpp"
+#include "multiple_comparison/families.hpp"
 #include "multiple_comparison/mc.hpp"
 #include "multiple_comparison/normal_form.hpp"
 #include "multiple_comparison/plain_mc.hpp"
@@ -23,23 +24,11 @@
 namespace {
 
 using namespace orvanth;
-using orvanth::test::ThrownText;
+using namespace orvanth::test;
 using plain::Statistic;
 using Wide = boost::multiprecision::cpp_bin_float_50;
 
 constexpr unsigned kSeed = 20240121;
-const double kEqual = 1 / std::sqrt(2.0);
-const std::vector<double> kEqualGroups(64, kEqual);
-
-using Export = double (*)(double, std::int32_t, double, const double*, TailFlag);
-struct Family {
-    Statistic statistic;
-    Export cumulative;
-    Export quantile;
-};
-const Family kFamilies[] = {
-    {Statistic::kTukey, MCaCDF, MCaICDF}, {Statistic::kHsu, MCbCDF, MCbICDF}, {Statistic::kDunnett, MCcCDF, MCcICDF}};
-
 double StudentT(double df, double q) {
     return boost::math::quantile(boost::math::students_t_distribution<double, DefaultPolicy>(df), q);
 }
@@ -220,16 +209,6 @@ TEST(MC, WorkedValues) {
     EXPECT_NEAR(MCaICDF(0.95, 3, 10, kEqualGroups.data(), 0), 2.7413, 5e-5);
     EXPECT_NEAR(MCcICDF(0.95, 3, 10, kEqualGroups.data(), 0), 2.5683, 5e-5);
     EXPECT_NEAR(MCbICDF(0.95, 3, 10, kEqualGroups.data(), 0), 2.1506, 5e-5);
-}
-
-TEST(MC, TheTailFlagIsOneByteAndTakesTheComplement) {
-    for (const Family& family : kFamilies) {
-        const double c = family.cumulative(2, 3, 10, kEqualGroups.data(), 0);
-        EXPECT_EQ(family.cumulative(2, 3, 10, kEqualGroups.data(), 1), 1.0 - c);
-        EXPECT_EQ(family.cumulative(2, 3, 10, kEqualGroups.data(), 0x100), c);
-        EXPECT_EQ(family.quantile(0.05, 3, 10, kEqualGroups.data(), 1),
-                  family.quantile(1.0 - 0.05, 3, 10, kEqualGroups.data(), 0));
-    }
 }
 
 // Quantiles.

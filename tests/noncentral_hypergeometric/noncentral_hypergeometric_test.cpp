@@ -1,10 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
 #include <random>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <boost/multiprecision/cpp_bin_float.hpp>
@@ -12,9 +14,11 @@
 
 #include "frame/load_state.hpp"
 #include "frame/policies.hpp"
+#include "noncentral_hypergeometric/fnc_probability.hpp"
 #include "noncentral_hypergeometric/fnc_record.hpp"
 #include "noncentral_hypergeometric/fnc_table.hpp"
 #include "noncentral_hypergeometric/log_factorial.hpp"
+#include "noncentral_hypergeometric/wrap.hpp"
 #include "orvanth/noncentral_hypergeometric.h"
 #include "support/heap.hpp"
 
@@ -26,16 +30,14 @@ using Integer = boost::multiprecision::cpp_int;
 
 constexpr unsigned kSeed = 20240122;
 
-// Before everything else in this program: nothing has filled the table yet.
-TEST(AFirst, LogFactorialsOfZeroAndOneDoNotFillTheTable) {
-    ASSERT_FALSE(FNCLogFactorialTableIsReady());
+TEST(FNCLogFactorial, EndsOfTheTable) {
     EXPECT_EQ(FNCLogFactorial(0), 0.0);
     EXPECT_EQ(FNCLogFactorial(1), 0.0);
-    EXPECT_EQ(FNCLogFactorial(-1), FncInvalidValue);
-    EXPECT_GT(FNCLogFactorial(1024), 6000);
-    EXPECT_FALSE(FNCLogFactorialTableIsReady());
-    FNCLogFactorial(2);
-    EXPECT_TRUE(FNCLogFactorialTableIsReady());
+    EXPECT_EQ(FNCLogFactorial(2), 0.6931471805599453);
+    EXPECT_EQ(FNCLogFactorial(-1), FNCInvalidValue);
+    EXPECT_EQ(FNCLogFactorial(INT32_MIN), FNCInvalidValue);
+    EXPECT_NEAR(FNCLogFactorial(1023) + std::log(1024), FNCLogFactorial(1024), 5e-11);
+    EXPECT_NE(FNCLogFactorial(1023) + std::log(1024), FNCLogFactorial(1024));
 }
 
 TEST(FNCLogFactorial, TheTableIsARunningSum) {
@@ -44,8 +46,6 @@ TEST(FNCLogFactorial, TheTableIsARunningSum) {
         running += std::log(i);
         EXPECT_EQ(FNCLogFactorial(i), running) << i;
     }
-    EXPECT_NEAR(FNCLogFactorial(1023) + std::log(1024), FNCLogFactorial(1024), 5e-11);
-    EXPECT_NE(FNCLogFactorial(1023) + std::log(1024), FNCLogFactorial(1024));
     for (std::int32_t k : {1024, 5000, 2147483647}) EXPECT_NEAR(FNCLogFactorial(k) / std::lgamma(k + 1.0), 1, 1e-15);
 }
 
@@ -132,51 +132,206 @@ TEST(FNCHypergeometricCDF, OutsideTheTableIsExact) {
 }
 
 TEST(FNCHypergeometricCDF, ALargeAccuracyCutsTheTableShort) {
-    std::int32_t first = 0, last = 0;
-    std::vector<double> table(200);
-    const FNCRecord record(100, 100, 400, 2, 100);
-    FNCMakeTable(record, table.data(), 101, &first, &last, 0.1);
-    EXPECT_LT(last - first, 60);
-    EXPECT_EQ(FNCHypergeometricCDF(last + 5, 100, 100, 400, 2, 1, 100), 0.0);
-    EXPECT_EQ(FNCHypergeometricCDF(first - 5, 100, 100, 400, 2, 0, 100), 0.0);
+    std::vector<double> storage(101);
+    const FNCTable table = FNCMakeTable(FNCRecord(100, 100, 400, 2, 100), 0.1, storage);
+    EXPECT_LT(table.xlast - table.xfirst, 60);
+    EXPECT_EQ(FNCHypergeometricCDF(table.xlast + 5, 100, 100, 400, 2, 1, 100), 0.0);
+    EXPECT_EQ(FNCHypergeometricCDF(table.xfirst - 5, 100, 100, 400, 2, 0, 100), 0.0);
 }
 
-TEST(FNCMakeTable, SupportsOfTwoHundredAndOfOneMore) {
-    std::int32_t first = 0;
-    EXPECT_EQ(FNCMakeTable(FNCRecord(199, 1000, 5000, 1.5, 1e-8), nullptr, 0, &first, nullptr, 0), 200);
-    EXPECT_EQ(first, 1);
+TEST(FNCTableLength, SupportsOfTwoHundredAndOfOneMore) {
+    EXPECT_EQ(FNCTableLength(FNCRecord(199, 1000, 5000, 1.5, 1e-8)), 200);
     const FNCRecord wider(200, 1000, 5000, 1.5, 1e-8);
     const double estimate = std::trunc(std::sqrt(FNCVariance(wider)) * FNCNumSD(1e-8) + 0.5);
     ASSERT_LT(estimate, 201);
-    EXPECT_EQ(FNCMakeTable(wider, nullptr, 0, nullptr, nullptr, 0), estimate);
+    EXPECT_EQ(FNCTableLength(wider), static_cast<std::int32_t>(estimate));
+}
+
+TEST(FNCTableLength, NothingWhereNoDistributionExists) {
+    EXPECT_FALSE(FNCTableLength(FNCRecord(15, 6, 20, 0, 1e-8))) << "odds 0 with n > N - m";
+    EXPECT_FALSE(FNCTableLength(FNCRecord(15, 6, 20, -1, 1e-8)));
+    EXPECT_FALSE(FNCTableLength(FNCRecord(12, 6, 10, 2, 1e-8))) << "n > N";
+    EXPECT_FALSE(FNCTableLength(FNCRecord(-5, 3, 10, 2, 1e-8)));
+    EXPECT_FALSE(FNCTableLength(FNCRecord(300, 300, 1000, kNaN, 1e-8))) << "the variance is a NaN";
+    EXPECT_EQ(FNCTableLength(FNCRecord(14, 6, 20, 0, 1e-8)), 1);
+    EXPECT_EQ(FNCTableLength(FNCRecord(5, 7, 7, 2, 1e-8)), 1);
+}
+
+TEST(FNCHypergeometric, ADeviationThatRoundsToNoEntryLeavesTheMode) {
+    // A support of 301 points, all but 2e-6 of the probability at its upper end.
+    const FNCRecord record(300, 400, 1000, 1e9, 1e-8);
+    ASSERT_LT(std::sqrt(FNCVariance(record)) * FNCNumSD(1e-8) + 0.5, 1);
+    EXPECT_EQ(FNCTableLength(record), 1);
+    for (double p : {0.0, 0.5, 1.0}) EXPECT_EQ(FNCHypergeometricICDF(p, 300, 400, 1000, 1e9, 0, 1e-8), 300);
+    EXPECT_EQ(FNCHypergeometricCDF(300, 300, 400, 1000, 1e9, 0, 1e-8), 1.0);
+    EXPECT_EQ(FNCHypergeometricCDF(299, 300, 400, 1000, 1e9, 0, 1e-8), 0.0);
 }
 
 TEST(FNCMakeTable, ACutoffOfZeroNeverStopsAWalk) {
-    std::vector<double> table(51);
-    std::int32_t first = -1, last = -1;
-    FNCMakeTable(FNCRecord(50, 60, 200, 0.01, 0), table.data(), 51, &first, &last, 0);
-    EXPECT_EQ(first, 0);
-    EXPECT_EQ(last, 50);
+    std::vector<double> storage(51);
+    const FNCTable table = FNCMakeTable(FNCRecord(50, 60, 200, 0.01, 0), 0, storage);
+    EXPECT_EQ(table.xfirst, 0);
+    EXPECT_EQ(table.xlast, 50);
+    EXPECT_EQ(table.entries.size(), 51u);
+}
+
+TEST(FNCMakeTable, AnEntryEqualToTheCutoffDoesNotStopAWalk) {
+    const FNCRecord record(50, 60, 200, 1.3, 0);
+    std::vector<double> storage(51);
+    const FNCTable whole = FNCMakeTable(record, 0, storage);
+    const std::vector<double> entries(whole.entries.begin(), whole.entries.end());
+    const std::ptrdiff_t mode = std::max_element(entries.begin(), entries.end()) - entries.begin();
+    for (std::ptrdiff_t away : {3, 5, 8}) {
+        // Down: the walk goes on from the entry that equals the cutoff, and ends behind the next one.
+        std::vector<double> cut(51);
+        const FNCTable down = FNCMakeTable(record, entries[static_cast<std::size_t>(mode - away)], cut);
+        EXPECT_EQ(down.xfirst, mode - away - 1);
+        const FNCTable up = FNCMakeTable(record, entries[static_cast<std::size_t>(mode + away)], cut);
+        EXPECT_EQ(up.xlast, mode + away + 1);
+    }
 }
 
 TEST(FNCMakeTable, ASinglePointHasOneEntry) {
-    std::int32_t first = 0, last = 0;
-    double entry = 0;
-    const FNCRecord record(5, 7, 7, 2, 1e-8);
-    EXPECT_EQ(FNCMakeTable(record, nullptr, 0, &first, nullptr, 0), 1.0);
-    EXPECT_EQ(first, 1);
-    EXPECT_EQ(FNCMakeTable(record, &entry, 1, &first, &last, 0), 1.0);
-    EXPECT_EQ(first, 5);
-    EXPECT_EQ(last, 5);
-    EXPECT_EQ(entry, 1.0);
+    std::vector<double> storage(1);
+    const FNCTable table = FNCMakeTable(FNCRecord(5, 7, 7, 2, 1e-8), 0, storage);
+    EXPECT_EQ(table.sum, 1.0);
+    EXPECT_EQ(table.xfirst, 5);
+    EXPECT_EQ(table.xlast, 5);
+    EXPECT_EQ(storage[0], 1.0);
 }
 
 TEST(FNCMakeTable, OddsOneUseTheCentralRatios) {
-    std::vector<double> table(6);
-    std::int32_t first = -1, last = -1;
-    const double sum = FNCMakeTable(FNCRecord(5, 6, 20, 1, 0), table.data(), 6, &first, &last, 0);
+    std::vector<double> storage(6);
+    const FNCTable table = FNCMakeTable(FNCRecord(5, 6, 20, 1, 0), 0, storage);
     const std::vector<Rational> p = ExactProbabilities(5, 6, 20, 1);
-    for (std::size_t i = 0; i < p.size(); ++i) EXPECT_NEAR(table[i] / sum, static_cast<double>(p[i]), 1e-15);
+    for (std::size_t i = 0; i < p.size(); ++i)
+        EXPECT_NEAR(table.entries[i] / table.sum, static_cast<double>(p[i]), 1e-15);
+}
+
+// P(X <= x) in whole numbers: the odds are a 53-bit integer times a power of two.
+double ExactCumulative(std::int32_t x, std::int32_t n, std::int32_t m, std::int32_t N, double odds) {
+    int exponent;
+    const Integer odd = static_cast<std::int64_t>(std::ldexp(std::frexp(odds, &exponent), 53));
+    exponent -= 53;
+    const std::int32_t lo = std::max(n + m - N, 0), hi = std::min(n, m);
+    const auto binomial = [](std::int32_t a, std::int32_t b) {
+        Integer value = 1;
+        for (std::int32_t i = 1; i <= b; ++i) value = value * (a - b + i) / i;
+        return value;
+    };
+    Integer marked = binomial(m, lo), rest = binomial(N - m, n - lo), power = 1, lower = 0, sum = 0;
+    for (std::int32_t k = lo; k <= hi; ++k) {
+        const unsigned shift = static_cast<unsigned>(exponent < 0 ? -exponent * (hi - k) : exponent * (k - lo));
+        sum += (marked * rest * power) << shift;
+        if (k == x) lower = sum;
+        marked = marked * (m - k) / (k + 1);
+        rest = rest * (n - k) / (N - m - n + k + 1);
+        power *= odd;
+    }
+    using Wide = boost::multiprecision::cpp_bin_float_50;
+    return static_cast<double>(Wide(lower) / Wide(sum));
+}
+
+TEST(FNCHypergeometric, ExtremeOddsPutTheModeAtTheNearerEndOfTheSupport) {
+    EXPECT_EQ(FNCHypergeometricICDF(0, 10, 10, 40, 1e17, 0, 1e-10), 9) << "the first entry below the cutoff";
+    EXPECT_EQ(FNCHypergeometricICDF(0.5, 10, 10, 40, 1e17, 0, 1e-10), 10);
+    EXPECT_EQ(FNCHypergeometricICDF(-0.3, 6, 6, 7, 2.377993983894137e-16, 0, 1e-3), 5);
+    EXPECT_EQ(FNCHypergeometricICDF(0.5, 6, 6, 7, 2.377993983894137e-16, 0, 1e-3), 5);
+    EXPECT_NEAR(FNCHypergeometricCDF(0, 10, 10, 40, 1e17, 0, 1e-10), ExactCumulative(0, 10, 10, 40, 1e17), 1e-10);
+    EXPECT_NEAR(FNCHypergeometricCDF(0, 10, 10, 40, 1e17, 0, 0) / ExactCumulative(0, 10, 10, 40, 1e17), 1, 1e-13);
+    std::mt19937_64 random(kSeed);
+    for (int trial = 0; trial < 3000; ++trial) {
+        const std::int32_t N = 2 + static_cast<std::int32_t>(random() % (trial % 2 == 0 ? 60 : 100000));
+        const std::int32_t n = static_cast<std::int32_t>(random() % static_cast<unsigned>(N + 1));
+        const std::int32_t m =
+            trial % 3 == 0 ? n : static_cast<std::int32_t>(random() % static_cast<unsigned>(N + 1));
+        const double far = std::exp2(static_cast<double>(45 + random() % 60));
+        for (double odds : {far, 1 / far})
+            for (double p : {-0.1, 0.0, 0.5, 1.0, 1.1}) {
+                const double x = FNCHypergeometricICDF(p, n, m, N, odds, 0, 1e-8);
+                ASSERT_GE(x, std::max(n + m - N, 0)) << n << " " << m << " " << N << " " << odds << " " << p;
+                ASSERT_LE(x, std::min(n, m)) << n << " " << m << " " << N << " " << odds << " " << p;
+            }
+    }
+}
+
+TEST(FNCHypergeometric, WalksEndAtTheLargestInteger) {
+    const std::int32_t M = INT32_MAX;
+    EXPECT_EQ(FNCHypergeometricCDF(0, M, M, M, 0.5, 0, 1e-8), 0.0);
+    EXPECT_EQ(FNCHypergeometricCDF(M, M, M, M, 0.5, 0, 1e-8), 1.0);
+    EXPECT_EQ(FNCHypergeometricCDF(M - 1, M, M, M, 0.5, 1, 1e-8), 1.0);
+    EXPECT_EQ(FNCHypergeometricICDF(0.5, M, M, M, 0.5, 0, 1e-8), M);
+    double mean = 0, variance = 1;
+    FNCHypergeometricMoments(M, M, M, 0.5, &mean, &variance);
+    EXPECT_EQ(mean, M);
+    EXPECT_EQ(variance, 0.0);
+    EXPECT_EQ(FNCHypergeometricICDF(0.5, M, M - 1, M, 2, 0, 1e-8), M - 1);
+}
+
+TEST(FNCHypergeometric, OddsNearOneAgreeWithExactSumsAtEveryDistance) {
+    double worst = 0, worstMean = 0, worstVariance = 0;
+    for (int exponent = -16; exponent <= -6; ++exponent)
+        for (double digit : {1.0, 2.2, 5.0})
+            for (double sign : {-1.0, 1.0}) {
+                const double odds = 1 + sign * digit * std::pow(10, exponent);
+                for (std::int32_t x : {190, 200, 215})
+                    worst = std::max(worst, std::fabs(FNCHypergeometricCDF(x, 500, 400, 1000, odds, 0, 0) /
+                                                          ExactCumulative(x, 500, 400, 1000, odds) -
+                                                      1));
+                double mean = 0, variance = 0;
+                FNCHypergeometricMoments(50, 40, 100, odds, &mean, &variance);
+                // To first order in odds - 1 the mean moves by as many variances.
+                const double central = 50.0 * 40 * 60 * 50 / (100.0 * 100 * 99);
+                worstMean = std::max(worstMean, std::fabs(mean - (20 + (odds - 1) * central)));
+                worstVariance = std::max(worstVariance, std::fabs(variance - central));
+            }
+    std::printf("  worst relative error of the tail %.1e, worst error of mean %.1e and variance %.1e\n", worst,
+                worstMean, worstVariance);
+    EXPECT_LT(worst, 1e-13);
+    EXPECT_LT(worstMean, 1e-8);
+    EXPECT_LT(worstVariance, 1e-6);
+    EXPECT_NEAR(FNCHypergeometricCDF(200, 500, 400, 1000, (0.1 + 0.2) / 0.3, 0, 1e-8), 0.53, 0.005);
+}
+
+TEST(FNCHypergeometric, OddsNearOneInTheLargestPopulations) {
+    const std::int32_t n = 1471272403, m = 1733452833, N = INT32_MAX;
+    const double center = static_cast<double>(n) * m / N;
+    for (double distance : {std::ldexp(1.0, -52), 1e-14, 1e-12, 1e-10, 1e-8}) {
+        double mean = 0, variance = 0;
+        FNCHypergeometricMoments(n, m, N, 1 + distance, &mean, &variance);
+        EXPECT_NEAR(mean, center, 10) << distance;
+        EXPECT_NEAR(FNCHypergeometricICDF(0.5, n, m, N, 1 + distance, 0, 1e-10), center, 10) << distance;
+        EXPECT_NEAR(FNCHypergeometricCDF(static_cast<std::int32_t>(center), n, m, N, 1 + distance, 0, 1e-10), 0.5,
+                    1e-3)
+            << distance;
+    }
+}
+
+TEST(FNCMean, TakesTheEstimateOfOddsOneBelowADistanceThatGrowsWithThePopulation) {
+    for (const auto& [N, border] :
+         {std::pair{100, 1e-12}, {1000, 1e-12}, {1000000, 1e-9}, {INT32_MAX, 2.147483647e-6}}) {
+        const std::int32_t n = N / 2, m = N / 5;
+        const double central = static_cast<double>(m) * n / N;
+        for (double sign : {-1.0, 1.0}) {
+            EXPECT_EQ(FNCMean(FNCRecord(n, m, N, 1 + sign * border * 0.999, 0)), central) << N;
+            EXPECT_NE(FNCMean(FNCRecord(n, m, N, 1 + sign * border * 1.01, 0)), central) << N;
+            EXPECT_NEAR(FNCMean(FNCRecord(n, m, N, 1 + sign * border * 1.01, 0)), central,
+                        0.2 + 1.1 * border * FNCVariance(FNCRecord(n, m, N, 1, 0)))
+                << N;
+        }
+    }
+}
+
+TEST(FNCCentre, IsRaisedToTheLowerEndOfTheSupportButNotLoweredToTheUpper) {
+    // Only counts that no population has lead above the support.
+    const FNCRecord above(1200000000, 1200000000, 2, 2, 1e-8);
+    ASSERT_EQ(FNCMean(above), 1200000001);
+    ASSERT_EQ(above.xmax, 1200000000);
+    EXPECT_EQ(FNCCentre(above), 1200000001);
+    const FNCRecord noNumber(5, 6, 8, kNaN, 1e-8);
+    EXPECT_EQ(noNumber.xmin, 3);
+    EXPECT_EQ(FNCCentre(noNumber), 3) << "a NaN truncates to the most negative integer";
+    EXPECT_EQ(FNCCentre(FNCRecord(50, 40, 100, 1, 1e-8)), 20);
 }
 
 TEST(FNCVariance, IsZeroAtTheEnds) {
@@ -185,31 +340,27 @@ TEST(FNCVariance, IsZeroAtTheEnds) {
 }
 
 TEST(FNCProbability, EdgesOfNAndOdds) {
-    FNCRecord empty(0, 5, 10, 3, 1e-8);
-    EXPECT_EQ(FNCProbability(empty, 0), 1.0);
-    FNCRecord central(5, 6, 20, 1, 1e-8);
-    EXPECT_NEAR(FNCProbability(central, 2), static_cast<double>(ExactProbabilities(5, 6, 20, 1)[2]), 1e-14);
-    EXPECT_EQ(central.rsum, 0.0) << "the cache is not touched";
-    FNCRecord zero(4, 6, 20, 0, 1e-8);
-    EXPECT_EQ(FNCProbability(zero, 0), 1.0);
-    EXPECT_EQ(FNCProbability(zero, 1), 0.0);
-    FNCRecord impossible(15, 6, 20, 0, 1e-8);
-    EXPECT_EQ(FNCProbability(impossible, 2), FncInvalidValue);
-    EXPECT_EQ(FNCProbability(impossible, 99), 0.0);
+    const FNCRecord empty(0, 5, 10, 3, 1e-8), central(5, 6, 20, 1, 1e-8), zero(4, 6, 20, 0, 1e-8),
+        impossible(15, 6, 20, 0, 1e-8);
+    EXPECT_EQ(FNCProbability(empty)(0), 1.0);
+    EXPECT_NEAR(FNCProbability(central)(2), static_cast<double>(ExactProbabilities(5, 6, 20, 1)[2]), 1e-14);
+    EXPECT_EQ(FNCProbability(zero)(0), 1.0);
+    EXPECT_EQ(FNCProbability(zero)(1), 0.0);
+    EXPECT_EQ(FNCProbability(impossible)(2), FNCInvalidValue);
+    EXPECT_EQ(FNCProbability(impossible)(99), 0.0);
 }
 
 TEST(FNCLogTerm, StepsOfOneContinueAndAJumpStartsAfresh) {
-    FNCRecord record(3000, 4000, 9000, 1.3, 1e-8);
-    const double start = FNCLogTerm(record, 1500);
-    EXPECT_EQ(FNCLogTerm(record, 1500), start);
-    const double byStep = FNCLogTerm(record, 1501);
-    FNCLogTerm(record, 1503);  // a jump of two
-    FNCRecord fresh(3000, 4000, 9000, 1.3, 1e-8);
-    EXPECT_NEAR(FNCLogTerm(fresh, 1501), byStep, 1e-9);
-    EXPECT_EQ(record.xLast, 1503);
-    FNCRecord other(3000, 4000, 9000, 1.3, 1e-8);
-    EXPECT_EQ(FNCLogTerm(other, 1503), FNCLogTerm(record, 1503));
-    EXPECT_NEAR(FNCLogTerm(record, 1502), FNCLogTerm(fresh, 1502), 1e-9);
+    const FNCRecord record(3000, 4000, 9000, 1.3, 1e-8);
+    FNCLogTerm term(record), other(record);
+    const double start = term(1500);
+    EXPECT_EQ(term(1500), start);
+    const double byStep = term(1501);
+    EXPECT_NEAR(FNCLogTerm(record)(1501), byStep, 1e-9);
+    EXPECT_NE(FNCLogTerm(record)(1501), byStep) << "a step and a fresh start round differently";
+    const double byJump = term(1503);
+    EXPECT_EQ(FNCLogTerm(record)(1503), byJump);
+    EXPECT_NEAR(term(1502), other(1502), 1e-9);
 }
 
 TEST(FNCHypergeometricICDF, EdgesOfP) {
@@ -231,10 +382,92 @@ TEST(FNCHypergeometricICDF, InvertsTheDistribution) {
     }
 }
 
-TEST(FNCHypergeometric, TheTailFlagStandsBeforeTheAccuracyAndIsOneByte) {
-    const double lower = FNCHypergeometricCDF(5, 10, 12, 30, 2, 0, 1e-8);
-    EXPECT_EQ(FNCHypergeometricCDF(5, 10, 12, 30, 2, 0x100, 1e-8), lower);
-    EXPECT_NEAR(FNCHypergeometricCDF(5, 10, 12, 30, 2, 0x101, 1e-8), 1 - lower, 1e-15);
+TEST(FNCHypergeometric, TheTailFlagStandsBeforeTheAccuracyAndItsLowByteCounts) {
+    const double low = FNCHypergeometricICDF(0.1, 10, 12, 30, 2, 0, 1e-8);
+    const double high = FNCHypergeometricICDF(0.1, 10, 12, 30, 2, 1, 1e-8);
+    ASSERT_NE(low, high);
+    for (std::int32_t x : {4, 8}) {  // below and above the mean
+        const double lower = FNCHypergeometricCDF(x, 10, 12, 30, 2, 0, 1e-8);
+        const double upper = FNCHypergeometricCDF(x, 10, 12, 30, 2, 1, 1e-8);
+        EXPECT_NEAR(lower + upper, 1, 1e-15);
+        ASSERT_NE(lower, upper);
+        for (TailFlag clear : {0x100, 0x10000, static_cast<TailFlag>(0xFFFFFF00)}) {
+            EXPECT_EQ(FNCHypergeometricCDF(x, 10, 12, 30, 2, clear, 1e-8), lower) << clear;
+            EXPECT_EQ(FNCHypergeometricICDF(0.1, 10, 12, 30, 2, clear, 1e-8), low) << clear;
+        }
+        for (TailFlag set : {0x101, 0x80, 2}) {
+            EXPECT_EQ(FNCHypergeometricCDF(x, 10, 12, 30, 2, set, 1e-8), upper) << set;
+            EXPECT_EQ(FNCHypergeometricICDF(0.1, 10, 12, 30, 2, set, 1e-8), high) << set;
+        }
+    }
+}
+
+TEST(FNCHypergeometric, TheTableEndsAtAThousandthOfTheAccuracy) {
+    for (double accuracy : {1e-2, 1e-3, 1e-4, 1e-5, 1e-6}) {
+        const FNCRecord record(90, 60, 200, 1.3, accuracy);
+        std::vector<double> storage(static_cast<std::size_t>(FNCTableLength(record).value()));
+        const FNCTable table = FNCMakeTable(record, accuracy * 0.001, storage);
+        ASSERT_GT(table.xfirst, 0) << accuracy;
+        EXPECT_EQ(FNCHypergeometricICDF(0, 90, 60, 200, 1.3, 0, accuracy), table.xfirst) << accuracy;
+        EXPECT_EQ(FNCHypergeometricICDF(2, 90, 60, 200, 1.3, 0, accuracy), table.xlast) << accuracy;
+        EXPECT_GT(FNCHypergeometricCDF(table.xfirst, 90, 60, 200, 1.3, 0, accuracy), 0) << accuracy;
+        EXPECT_EQ(FNCHypergeometricCDF(table.xfirst - 1, 90, 60, 200, 1.3, 0, accuracy), 0) << accuracy;
+        EXPECT_GT(FNCHypergeometricCDF(table.xlast - 1, 90, 60, 200, 1.3, 1, accuracy), 0) << accuracy;
+        EXPECT_EQ(FNCHypergeometricCDF(table.xlast, 90, 60, 200, 1.3, 1, accuracy), 0) << accuracy;
+    }
+}
+
+TEST(FNCProbability, TheSumEndsBehindTheFirstTermBelowATenthOfTheAccuracy) {
+    for (double accuracy : {0.5, 0.05, 0.005, 5e-4, 5e-5, 5e-6}) {
+        const FNCRecord record(90, 60, 200, 1.3, accuracy);
+        FNCLogTerm term(record);
+        const std::int32_t center = FNCCentre(record);
+        const double scale = term(center);
+        double sum = 1;
+        for (std::int32_t step : {-1, 1})
+            for (std::int32_t x = center + step;; x += step) {
+                const double f = std::exp(term(x) - scale);
+                sum += f;
+                if (accuracy * 0.1 > f) break;
+            }
+        EXPECT_EQ(FNCProbability(record)(center), 1 / sum) << accuracy;
+    }
+}
+
+TEST(FNCExactMoments, TheSumEndsBehindTheFirstProbabilityBelowATenthOfTheAccuracy) {
+    for (double accuracy : {0.5, 0.05, 0.005, 5e-4, 5e-5, 5e-6}) {
+        const FNCRecord record(90, 60, 200, 1.3, accuracy);
+        FNCProbability probability(record);
+        const std::int32_t center = FNCCentre(record);
+        double s0 = 0, s1 = 0, s2 = 0;
+        for (std::int32_t step : {1, -1})
+            for (std::int32_t x = step > 0 ? center : center - 1;; x += step) {
+                const double f = probability(x);
+                s0 += f;
+                s1 += (x - center) * f;
+                s2 += (x - center) * (x - center) * f;
+                if (accuracy * 0.1 > f && x != center) break;
+            }
+        EXPECT_EQ(FNCExactMoments(record).mean, center + s1 / s0) << accuracy;
+        EXPECT_EQ(FNCExactMoments(record).variance, s2 / s0 - (s1 / s0) * (s1 / s0)) << accuracy;
+    }
+}
+
+TEST(FNCExactMoments, ATermBelowTheLimitAtTheCentreDoesNotEndTheWalk) {
+    // All terms are below a tenth of this accuracy, so each walk takes one step beyond the centre.
+    const FNCRecord record(90, 60, 200, 1.3, 100);
+    FNCProbability probability(record);
+    const std::int32_t center = FNCCentre(record);
+    const double below = probability(center - 1), at = probability(center), above = probability(center + 1);
+    EXPECT_NEAR(FNCExactMoments(record).mean, center + (above - below) / (below + at + above), 1e-12);
+}
+
+TEST(FNCHypergeometricMoments, HaveAnAccuracyOfTenToTheMinusEight) {
+    double mean = 0, variance = 0;
+    FNCHypergeometricMoments(900, 600, 2000, 1.3, &mean, &variance);
+    EXPECT_EQ(mean, FNCExactMoments(FNCRecord(900, 600, 2000, 1.3, 1e-8)).mean);
+    EXPECT_NE(mean, FNCExactMoments(FNCRecord(900, 600, 2000, 1.3, 2e-8)).mean);
+    EXPECT_NE(mean, FNCExactMoments(FNCRecord(900, 600, 2000, 1.3, 1e-9)).mean);
 }
 
 TEST(FNCHypergeometric, OddsZeroAndBelow) {
@@ -249,7 +482,7 @@ TEST(FNCHypergeometric, OddsZeroAndBelow) {
 }
 
 TEST(FNCHypergeometric, ANaNMeanIsOutsideTheTable) {
-    EXPECT_EQ(FNCHypergeometricCDF(0, 0, 0, 0, 1, 0, 1e-8), FncInvalidValue);
+    EXPECT_EQ(FNCHypergeometricCDF(0, 0, 0, 0, 1, 0, 1e-8), FNCInvalidValue);
 }
 
 TEST(FNCHypergeometricMoments, OddsOneHaveTheCentralMean) {
@@ -287,7 +520,7 @@ TEST(FNCHypergeometric, PopulationsOfMillions) {
     EXPECT_NEAR(x, FNCMean(FNCRecord(500000, 1000000, 2000000, 3, 0)), 2);
 }
 
-TEST(FNCHypergeometric, InputWithoutARuleReturns) {
+TEST(FNCHypergeometric, EverySenselessInputReturns) {
     double mean, variance;
     for (double odds : {kNaN, kInfinity, 1e300, 1e-300, -1e300, 0.0, -0.0})
         for (std::int32_t n : {-5, 0, 3, 100, INT32_MAX, INT32_MIN})

@@ -259,6 +259,32 @@ TEST(LBFGSBStep, StepAfterConvergenceAsksForAFreshEvaluation) {
     EXPECT_TRUE(TaskHasPrefix(run.state(), "FG_START"));
 }
 
+// Without the guard the second step divides by m, or writes outside the workspace.
+TEST(LBFGSBStep, RejectedArgumentsStayRejectedAndNothingIsTouched) {
+    for (const Rejected& rejected : RejectedProblems()) {
+        Minimisation run(rejected.problem);
+        EXPECT_EQ(run.Step(), 5) << rejected.task;
+        for (int further = 0; further < 3; ++further) {
+            const std::vector<double> x(run.x.size(), 0.5 + further), g(run.x.size(), -1.0);
+            run.x = x;
+            run.g = g;
+            run.f = 3.25;
+            EXPECT_EQ(run.Step(), 5) << rejected.task;
+            EXPECT_EQ(run.x, x);
+            EXPECT_EQ(run.g, g);
+            EXPECT_EQ(run.f, 3.25);
+            EXPECT_EQ(std::string(run.state().task, 60), Padded(rejected.task));
+        }
+    }
+}
+
+TEST(LBFGSBStep, StepAfterAFailedLineSearchAsksForAFreshEvaluation) {
+    Minimisation run(BoothProblem());
+    EXPECT_EQ(run.Drive(Misled), 4);
+    EXPECT_EQ(run.Step(), 1);
+    EXPECT_TRUE(TaskHasPrefix(run.state(), "FG_START"));
+}
+
 TEST(LBFGSBStep, LeavesErrnoAlone) {
     for (const int before : {0, 7}) {
         Minimisation run(Boxed(std::vector<double>(25, 3.0), 1, 100));

@@ -37,7 +37,7 @@ int main(int argc, char** argv) {
         u.clear();
         for (; word < kEnd && u.size() < 65536; word += step) u.push_back(static_cast<double>(word) * 0x1p-31 - 1.0);
         y.resize(u.size());
-        orvanth::vdErfInv(static_cast<std::int32_t>(u.size()), u.data(), y.data());
+        orvanth::ErfInv(u, y.data(), orvanth::kErfInvLargest);
         for (std::size_t i = 0; i < u.size(); ++i) {
             const double ulp = std::nextafter(y[i], 10) - y[i];
             const double error = std::fabs(static_cast<double>(ErrorOf(y[i], u[i]))) / ulp;

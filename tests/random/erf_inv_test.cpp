@@ -1,4 +1,4 @@
-// The inverse error function of the table, its numeric mode and its callback.
+// The inverse error function by its table.
 #include <algorithm>
 #include <bit>
 #include <boost/multiprecision/cpp_bin_float.hpp>
@@ -6,13 +6,10 @@
 #include <cstdio>
 #include <iterator>
 #include <random>
-#include <thread>
 
 #include "frame/policies.hpp"
 #include "orvanth/special.h"
 #include "random/erf_inv.hpp"
-#include "random/numeric_mode.hpp"
-#include "random/transforms.hpp"
 #include "streams.hpp"
 
 namespace {
@@ -34,12 +31,15 @@ double UlpError(double got, const Wide& want) {
     return static_cast<double>(abs(Wide(got) - want) / Wide(ulp));
 }
 
-double ErfInv(double x) {
+constexpr double kAtOne = 77.0;
+
+double ErfInvOf(double x) {
     double y = 0;
-    vdErfInv(1, &x, &y);
+    ErfInv({&x, 1}, &y, kAtOne);
     return y;
 }
-TEST(VdErfInv, IsAccurateOnEveryIntervalAndAtItsBorders) {
+
+TEST(ErfInv, IsAccurateOnEveryIntervalAndAtItsBorders) {
     double worst = 0;
     for (std::int32_t k = 0; k < kErfInvRows; ++k) {
         const std::uint64_t low = (static_cast<std::uint64_t>(0xFFB - k)) << 50,
@@ -47,51 +47,57 @@ TEST(VdErfInv, IsAccurateOnEveryIntervalAndAtItsBorders) {
         for (std::uint64_t bits : {low, low + 1, (low + high) / 2, low + (high - low) / 3, high - 1, high}) {
             const double w = std::bit_cast<double>(bits), x = 1.0 - w;
             if (x <= 0 || x >= 1) continue;
-            worst = std::max(worst, UlpError(ErfInv(x), ExactErfInv(x)));
-            EXPECT_EQ(ErfInv(-x), -ErfInv(x));
+            worst = std::max(worst, UlpError(ErfInvOf(x), ExactErfInv(x)));
+            EXPECT_EQ(ErfInvOf(-x), -ErfInvOf(x));
         }
     }
     std::printf("  worst error over the intervals %.3f ulp\n", worst);
     EXPECT_LT(worst, 1);
 }
 
-TEST(VdErfInv, IsAccurateOnADenseSubsetOfTheGrid) {
+TEST(ErfInv, IsAccurateOnADenseSubsetOfTheGrid) {
     double worst = 0;
     for (std::uint32_t i = 0; i < 4000; ++i) {
         const std::uint32_t y = i * 1073741u + i;
         const double u = y * std::ldexp(1, -31) - 1.0;
         if (u == 0 || u == -1) continue;
-        worst = std::max(worst, UlpError(ErfInv(u), ExactErfInv(u)));
+        worst = std::max(worst, UlpError(ErfInvOf(u), ExactErfInv(u)));
     }
     std::printf("  worst error over 4000 points of the grid %.3f ulp\n", worst);
     EXPECT_LT(worst, 1);
 }
 
-TEST(VdErfInv, TheLargestDoubleBelowOneComesFromTheLastRow) {
-    EXPECT_EQ(ErfInv(std::nextafter(1.0, 0.0)), 5.8635847487551676);
-    EXPECT_EQ(ErfInv(std::nextafter(-1.0, 0.0)), -5.8635847487551676);
+TEST(ErfInv, TheLargestDoubleBelowOneComesFromTheLastRow) {
+    EXPECT_EQ(ErfInvOf(std::nextafter(1.0, 0.0)), 5.8635847487551676);
+    EXPECT_EQ(ErfInvOf(std::nextafter(-1.0, 0.0)), -5.8635847487551676);
 }
 
-TEST(VdErfInv, HeadsAndSlopesOfTheTable) {
+TEST(ErfInv, HeadsAndSlopesOfTheTable) {
     EXPECT_EQ(ErfInvCoefficientTable[0][15], 0.8871351778507233);
     EXPECT_EQ(ErfInvCoefficientTable[0][16], -0.014563386095687747);
     EXPECT_EQ(ErfInvCoefficientTable[120][15], 4.335293412208557);
     EXPECT_EQ(ErfInvCoefficientTable[120][16], -0.05999011639505625);
 }
 
-TEST(VdErfInv, SpecialCases) {
-    EXPECT_TRUE(std::isnan(ErfInv(kNaN)));
-    EXPECT_TRUE(std::isnan(ErfInv(kInfinity)));
-    EXPECT_TRUE(std::isnan(ErfInv(1.5)));
-    EXPECT_EQ(std::bit_cast<std::uint64_t>(ErfInv(-0.0)), std::bit_cast<std::uint64_t>(-0.0));
-    EXPECT_EQ(ErfInv(1.0), kInfinity);
-    EXPECT_EQ(ErfInv(-1.0), -kInfinity);
-    for (double x : {1e-11, -2.9e-11, 1e-300, 5e-324})
-        EXPECT_LE(UlpError(ErfInv(x), Wide(x) * sqrt(boost::math::constants::pi<Wide>()) / 2), 1) << x;
+TEST(ErfInv, TheEndsGetTheGivenValueWithTheirSign) {
+    EXPECT_EQ(ErfInvOf(1.0), kAtOne);
+    EXPECT_EQ(ErfInvOf(-1.0), -kAtOne);
 }
 
-// Eight at a time, collected, or one by one; in place or not; wherever the special cases stand.
-TEST(VdErfInv, HasTheBitsOfThePortableRoadAtEveryLengthAndPlace) {
+TEST(ErfInv, IsNaNBeyondTheEnds) {
+    for (const double x : {kNaN, kInfinity, -kInfinity, 1.5, -1.5, std::nextafter(1.0, 2.0)})
+        EXPECT_TRUE(std::isnan(ErfInvOf(x))) << x;
+}
+
+TEST(ErfInv, NearZeroItIsTheArgumentTimesHalfTheRootOfPi) {
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(ErfInvOf(0.0)), std::bit_cast<std::uint64_t>(0.0));
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(ErfInvOf(-0.0)), std::bit_cast<std::uint64_t>(-0.0));
+    for (double x : {1e-11, -2.9e-11, 1e-300, 5e-324})
+        EXPECT_LE(UlpError(ErfInvOf(x), Wide(x) * sqrt(boost::math::constants::pi<Wide>()) / 2), 1) << x;
+}
+
+// In vectors or one by one, in place or not, wherever the special cases stand.
+TEST(ErfInv, HasTheBitsOfTheElementwiseFormAtEveryLengthAndPlace) {
     std::mt19937_64 engine(20261121);
     const double odd[] = {0.0, -0.0, 1.0, -1.0, 1.5, kNaN, kInfinity, 1e-300, 1e-16, 0.9375, 1 - 0x1p-8, 1 - 0x1p-53};
     for (std::int32_t n = 0; n < 2100; n += n < 40 ? 1 : 97) {
@@ -103,53 +109,17 @@ TEST(VdErfInv, HasTheBitsOfThePortableRoadAtEveryLengthAndPlace) {
                 value = std::copysign(1 - std::ldexp(1 - std::fabs(value), -static_cast<int>(word % 53)), value);
             if (word % 37 == 0) value = odd[(word >> 32) % std::size(odd)];
         }
-        std::vector<double> portable(x.size()), inOrder(x.size()), inPlace = x;
-        ErfInvPortable(n, x.data(), portable.data());
-        vdErfInv(n, x.data(), inOrder.data());
-        vdErfInv(n, inPlace.data(), inPlace.data());
+        std::vector<double> oneByOne(x.size()), inOrder(x.size()), inPlace = x;
+        ErfInvOneByOne(x, oneByOne.data(), kAtOne);
+        ErfInv(x, inOrder.data(), kAtOne);
+        ErfInv(inPlace, inPlace.data(), kAtOne);
         for (std::size_t i = 0; i < x.size(); ++i) {
-            EXPECT_EQ(std::bit_cast<std::uint64_t>(inOrder[i]), std::bit_cast<std::uint64_t>(portable[i]))
+            EXPECT_EQ(std::bit_cast<std::uint64_t>(inOrder[i]), std::bit_cast<std::uint64_t>(oneByOne[i]))
                 << n << " " << i << " " << x[i];
-            EXPECT_EQ(std::bit_cast<std::uint64_t>(inPlace[i]), std::bit_cast<std::uint64_t>(portable[i]))
+            EXPECT_EQ(std::bit_cast<std::uint64_t>(inPlace[i]), std::bit_cast<std::uint64_t>(oneByOne[i]))
                 << n << " " << i << " " << x[i];
         }
     }
-}
-
-TEST(VdErfInv, TheCallbackLearnsCodeAndIndexAndItsResultIsStored) {
-    const NumericErrorCallback old = SetNumericErrorCallback(NoteError);
-    double values[300] = {};
-    values[290] = -1.0;
-    vdErfInv(300, values, values);
-    EXPECT_EQ(values[290], 42);
-    EXPECT_EQ(lastCode, kSingularity);
-    EXPECT_EQ(lastIndex, 290);
-    values[3] = 7;
-    vdErfInv(5, values, values);
-    EXPECT_EQ(lastCode, kDomainError);
-    EXPECT_EQ(SetNumericErrorCallback(old), NoteError);
-}
-
-TEST(NumericModeWord, FieldsChangeOnlyWhereTheNewWordHasBits) {
-    const std::uint32_t old = SetNumericMode(0x140000);
-    EXPECT_EQ(NumericMode() & kFloatingPointField, 0x140000u);
-    EXPECT_EQ(NumericMode() & ~kFloatingPointField, old & ~kFloatingPointField);
-    SetNumericMode(old);
-    std::thread([] { EXPECT_EQ(NumericMode(), 6658u); }).join();
-}
-
-TEST(ErfInvBoundary, RowsOfTheCallback) {
-    const auto after = [](std::int32_t code, double argument, double result) {
-        NumericError error{code, 0, argument, 0, result, 1.5, ""};
-        EXPECT_EQ(ErfInvBoundaryCallback(&error), 0);
-        return error.result1;
-    };
-    EXPECT_EQ(after(2, 0, 1), -744.4400719213812);
-    EXPECT_EQ(after(2, -1, 1), -5.8635847487551676);
-    EXPECT_EQ(after(2, 1, 1), 5.8635847487551676);
-    EXPECT_EQ(after(1, 3, -1), -5.8635847487551676);
-    EXPECT_EQ(after(1, 3, 1), 5.8635847487551676);
-    EXPECT_EQ(after(3, 3, 1.25), 1.25);
 }
 
 }  // namespace

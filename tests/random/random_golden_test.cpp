@@ -10,24 +10,17 @@
 
 #include "golden/golden_row.hpp"
 #include "orvanth/random.h"
-#include "random/random_stream.hpp"
+#include "random/streams.hpp"
 
 namespace {
 
 using namespace orvanth;
 using namespace orvanth::golden;
+using namespace orvanth::test;
 
 constexpr double kUntouched = -77.25;
 
 std::int32_t Integer(const std::string& text) { return static_cast<std::int32_t>(std::stoll(text)); }
-
-// What a call printed on standard output.
-template <class Function>
-std::string Printed(Function function) {
-    testing::internal::CaptureStdout();
-    function();
-    return testing::internal::GetCapturedStdout();
-}
 
 // [status, messages, parameter of the messages], and the routine that they name.
 struct Report {
@@ -67,12 +60,9 @@ std::vector<double> Draws(const std::vector<std::string>& arguments, const std::
 }
 
 std::vector<double> Words(const std::vector<std::string>& a) {
-    RandomStream* stream = nullptr;
-    vslNewStream(&stream, kMersenneTwister, static_cast<std::uint32_t>(Integer(a[0])));
     const std::int32_t first = Integer(a[1]), count = Integer(a[2]);
-    std::vector<std::uint32_t> words(static_cast<std::size_t>(first + count));
-    FillUniformWords(stream, first + count, words.data());
-    vslDeleteStream(&stream);
+    const std::vector<std::uint32_t> words =
+        WordsOf(static_cast<std::uint32_t>(Integer(a[0])), static_cast<std::size_t>(first + count));
     return {words.begin() + first, words.end()};
 }
 

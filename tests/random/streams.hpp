@@ -7,21 +7,20 @@
 #include <string>
 #include <vector>
 
-#include "random/numeric_mode.hpp"
-#include "random/random_stream.hpp"
+#include "random/mersenne_twister.hpp"
 
 namespace orvanth::test {
 
-struct Stream {
-    RandomStream* stream = nullptr;
-    explicit Stream(std::uint32_t seed) { vslNewStream(&stream, kMersenneTwister, seed); }
-    ~Stream() { vslDeleteStream(&stream); }
-    std::vector<std::uint32_t> Words(std::int32_t count) {
-        std::vector<std::uint32_t> words(static_cast<std::size_t>(count));
-        FillUniformWords(stream, count, words.data());
-        return words;
-    }
-};
+inline std::vector<std::uint32_t> NextWords(MersenneTwister& twister, std::size_t count) {
+    std::vector<std::uint32_t> words(count);
+    FillUniformWords(twister, words);
+    return words;
+}
+
+inline std::vector<std::uint32_t> WordsOf(std::uint32_t seed, std::size_t count) {
+    MersenneTwister twister(seed);
+    return NextWords(twister, count);
+}
 
 inline std::uint32_t Untemper(std::uint32_t y) {
     y ^= y >> 18;
@@ -33,13 +32,15 @@ inline std::uint32_t Untemper(std::uint32_t y) {
     return z;
 }
 
-// A stream whose next words are those given: tempering is undone.
-struct ScriptedStream : Stream {
-    explicit ScriptedStream(const std::vector<std::uint32_t>& words) : Stream(1) {
-        stream->position = 0;
-        for (std::size_t i = 0; i < words.size(); ++i) stream->state[i] = Untemper(words[i]);
-    }
-};
+// A generator whose next words are those given: tempering is undone.
+inline MersenneTwister ScriptedTwister(const std::vector<std::uint32_t>& words) {
+    MersenneTwister twister(1);
+    twister.position = 0;
+    for (std::size_t i = 0; i < words.size(); ++i) twister.state[i] = Untemper(words[i]);
+    return twister;
+}
+
+// What a call printed on standard output.
 template <class Function>
 std::string Printed(Function function) {
     testing::internal::CaptureStdout();
@@ -47,13 +48,9 @@ std::string Printed(Function function) {
     return testing::internal::GetCapturedStdout();
 }
 
-// Stands for a callback of the host's: keeps what it was told and answers 42.
-inline std::int32_t lastCode, lastIndex;
-inline std::int32_t NoteError(NumericError* error) {
-    lastCode = error->code;
-    lastIndex = error->index;
-    error->result1 = 42;
-    return 0;
+// The text of a failed check.
+inline std::string Message(int parameter, const std::string& routine) {
+    return "\nMKL ERROR: Parameter " + std::to_string(parameter) + " was incorrect on entry to " + routine + ".\n";
 }
 
 }  // namespace orvanth::test

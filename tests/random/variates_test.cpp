@@ -1,4 +1,4 @@
-// Normal variates and index draws: checks, bits, distribution.
+// Normal variates and index draws: bits and distribution.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -8,8 +8,7 @@
 #include "orvanth/kolmogorov.h"
 #include "orvanth/random.h"
 #include "orvanth/special.h"
-#include "random/numeric_mode.hpp"
-#include "random/transforms.hpp"
+#include "random/normal_variates.hpp"
 #include "streams.hpp"
 
 namespace {
@@ -26,77 +25,38 @@ std::uint64_t Hash(const void* data, std::size_t size) {
         hash = (hash ^ static_cast<const unsigned char*>(data)[i]) * 0x100000001b3u;
     return hash;
 }
-TEST(VdRngGaussian, EdgeWords) {
-    ScriptedStream s({0u, 0x80000000u, 0xffffffffu});
-    double z[3];
-    EXPECT_EQ(vdRngGaussian(2, s.stream, 3, z, 0.0, 1.0), 0);
+
+std::vector<double> NormalOf(MersenneTwister twister, std::size_t count, double mean, double sigma) {
+    std::vector<double> values(count);
+    FillNormalVariates(twister, values, mean, sigma);
+    return values;
+}
+
+TEST(NormalVariates, EdgeWords) {
+    const MersenneTwister scripted = ScriptedTwister({0u, 0x80000000u, 0xffffffffu});
+    const std::vector<double> z = NormalOf(scripted, 3, 0.0, 1.0);
     EXPECT_EQ(z[0], -8.292361075813595);
     EXPECT_EQ(z[1], 0.0);
     EXPECT_NEAR(z[2], 4.40545919213 * std::sqrt(2.0), 1e-10);
-    EXPECT_EQ(s.stream->position, 3) << "one word to each variate";
+    EXPECT_EQ(NormalOf(scripted, 3, 2.5, 4.0)[1], 2.5) << "the word 2^31 gives the mean itself";
+    EXPECT_EQ(NormalOf(scripted, 3, 2.5, 4.0)[0], -5.8635847487551676 * (1.4142135623730951 * 4.0) + 2.5);
 }
 
-TEST(VdRngGaussian, ModeAndCallbackStandAsBefore) {
-    const NumericErrorCallback old = SetNumericErrorCallback(NoteError);
-    const std::uint32_t mode = NumericMode();
-    Stream s(1);
-    double z[10];
-    vdRngGaussian(2, s.stream, 10, z, 0, 1);
-    EXPECT_EQ(NumericMode(), mode);
-    EXPECT_EQ(SetNumericErrorCallback(old), NoteError);
+// Wherever in a vector or a chunk the word 0 stands.
+TEST(NormalVariates, TheWordZeroIsTheFiniteCutOffAtEveryPlace) {
+    for (std::size_t place = 0; place < 40; ++place) {
+        std::vector<std::uint32_t> words(40, 0x9abcdef0u);
+        words[place] = 0;
+        const std::vector<double> z = NormalOf(ScriptedTwister(words), 40, 0.0, 1.0);
+        for (std::size_t i = 0; i < z.size(); ++i) EXPECT_EQ(z[i] == -8.292361075813595, i == place) << place;
+    }
 }
 
-TEST(VdRngGaussian, ChecksStandInTheirOrder) {
-    Stream s(1);
-    double z[4];
-    const auto refused = [&](std::int32_t method, RandomStream* stream, std::int32_t n, double* values,
-                             double sigma) {
-        std::int32_t status = 0;
-        const std::string text = Printed([&] { status = vdRngGaussian(method, stream, n, values, 0, sigma); });
-        return std::to_string(status) + text;
-    };
-    const auto message = [](int status, int parameter) {
-        return std::to_string(status) + "\nMKL ERROR: Parameter " + std::to_string(parameter) +
-               " was incorrect on entry to vdRngGaussian.\n";
-    };
-    EXPECT_EQ(refused(-1, nullptr, -1, nullptr, 0), message(-3, 1));
-    EXPECT_EQ(refused(3, nullptr, -1, nullptr, 0), message(-5, 2));
-    EXPECT_EQ(refused(3, s.stream, -1, nullptr, 0), message(-3, 3));
-    EXPECT_EQ(refused(3, s.stream, 0, nullptr, 0), "0");
-    EXPECT_EQ(refused(3, s.stream, 1, nullptr, 0), message(-3, 4));
-    EXPECT_EQ(refused(3, s.stream, 1, z, 0), message(-3, 1));
-    EXPECT_EQ(refused(2, s.stream, 1, z, 0), message(-3, 6));
-    EXPECT_EQ(s.stream->position, kStateWords) << "nothing was drawn";
-}
-
-TEST(ViRngUniform, ChecksStandInTheirOrder) {
-    Stream s(1);
-    std::int32_t v[4];
-    const auto status = [&](std::int32_t method, RandomStream* stream, std::int32_t n, std::int32_t* values,
-                            std::int32_t a, std::int32_t b) {
-        std::int32_t result = 0;
-        const std::string text = Printed([&] { result = viRngUniform(method, stream, n, values, a, b); });
-        return std::to_string(result) + (text.empty() ? "" : text.substr(22, 1));
-    };
-    EXPECT_EQ(status(-1, nullptr, -1, nullptr, 1, 0), "-31");
-    EXPECT_EQ(status(1, nullptr, -1, nullptr, 1, 0), "-52");
-    EXPECT_EQ(status(1, s.stream, -1, nullptr, 1, 0), "-33");
-    EXPECT_EQ(status(1, s.stream, 0, nullptr, 1, 0), "0");
-    EXPECT_EQ(status(1, s.stream, 2, nullptr, 1, 0), "-34");
-    EXPECT_EQ(status(1, s.stream, 2, v, 1, 0), "-31");
-    EXPECT_EQ(status(0, s.stream, 2, v, 1, 1), "-35");
-}
-
-TEST(ViRngUniform, ANegativeBoundHasATrueFloor) {
-    ScriptedStream s({0xc0000000u, 0u, 0x40000000u, 0x80000000u, 0xffffffffu});
-    std::int32_t v[5];
-    EXPECT_EQ(viRngUniform(0, s.stream, 5, v, -2, 0), 0);
-    EXPECT_EQ(std::vector<std::int32_t>(v, v + 5), (std::vector<std::int32_t>{-1, -2, -2, -1, -1}));
-    std::int32_t zeros[3];
-    Stream t(1);
-    viRngUniform(0, t.stream, 3, zeros, 0, 1);
-    EXPECT_EQ(zeros[0] | zeros[1] | zeros[2], 0);
-    EXPECT_EQ(t.stream->position, 3);
+TEST(NormalVariates, TakeOneWordEach) {
+    MersenneTwister twister(1);
+    double z[100];
+    FillNormalVariates(twister, z, 0, 1);
+    EXPECT_EQ(twister.position, 100);
 }
 
 TEST(RandomNormalVariable, FirstVariatesOfSeedOne) {
@@ -119,19 +79,54 @@ TEST(RandomNormalVariable, NaNAndInfinitePass) {
     EXPECT_TRUE(std::isnan(z[0]) && std::isnan(z[2]));
     RandomNormalVariable(z, 3, kNaN, 1, 1);
     EXPECT_TRUE(std::isnan(z[1]));
+    RandomNormalVariable(z, 3, kInfinity, 1, 1);
+    EXPECT_EQ(z[1], kInfinity);
     RandomNormalVariable(z, 3, 0, kInfinity, 1);
     EXPECT_EQ(z[0], -kInfinity);
     EXPECT_EQ(z[1], kInfinity);
 }
 
-TEST(RandomUniformInteger, BeginsAsStatedAndContinuesItsSequence) {
+TEST(RandomNormalVariable, TheSameSeedGivesTheSameNumbers) {
+    double first[50], second[50];
+    RandomNormalVariable(first, 50, 1, 2, -3);
+    RandomNormalVariable(second, 50, 1, 2, -3);
+    EXPECT_TRUE(std::equal(first, first + 50, second));
+}
+
+TEST(RandomUniformInteger, FirstIndicesOfSeedOne) {
     std::int32_t v[10];
-    RandomStreamHandle stream = CreateRandomStream(1);
+    const RandomStreamHandle stream = CreateRandomStream(1);
     EXPECT_EQ(RandomUniformInteger(stream, v, 10), 0);
     EXPECT_EQ(std::vector<std::int32_t>(v, v + 5), (std::vector<std::int32_t>{1, 5, 8, 8, 7}));
     DeleteRandomStream(stream);
-    const std::string message = Printed([] { EXPECT_EQ(DeleteRandomStream(0), -5); });
-    EXPECT_EQ(message, "\nMKL ERROR: Parameter 1 was incorrect on entry to vslDeleteStream.\n");
+}
+
+TEST(RandomUniformInteger, ContinuesOneSequenceFromCallToCall) {
+    std::int32_t twice[6], once[6], nothing = -1;
+    const RandomStreamHandle stream = CreateRandomStream(5);
+    EXPECT_EQ(RandomUniformInteger(stream, twice, 3), 0);
+    EXPECT_EQ(RandomUniformInteger(stream, &nothing, 0), 0);
+    EXPECT_EQ(RandomUniformInteger(stream, twice + 3, 3), 0);
+    DeleteRandomStream(stream);
+    MersenneTwister twister(5);
+    FillUniformIntegers(twister, {once, 3}, 3);
+    EXPECT_TRUE(std::equal(once, once + 3, twice));
+    FillUniformIntegers(twister, {once, 3}, 3);
+    EXPECT_TRUE(std::equal(once, once + 3, twice + 3));
+    EXPECT_EQ(nothing, -1);
+}
+
+TEST(RandomUniformInteger, OfOneWritesAZeroAndTakesAWord) {
+    const RandomStreamHandle stream = CreateRandomStream(5);
+    std::int32_t zero = -1, next[10], expected[10];
+    EXPECT_EQ(RandomUniformInteger(stream, &zero, 1), 0);
+    EXPECT_EQ(zero, 0);
+    RandomUniformInteger(stream, next, 10);
+    DeleteRandomStream(stream);
+    MersenneTwister twister(5);
+    NextWords(twister, 1);
+    FillUniformIntegers(twister, expected, 10);
+    EXPECT_TRUE(std::equal(next, next + 10, expected));
 }
 
 // A hash over a fixed sweep: the same at every optimisation level, in every build and on every processor.
@@ -139,15 +134,14 @@ TEST(RandomBits, AreThoseOfTheRecordedHash) {
     std::vector<double> whole(100000), parts(whole.size());
     RandomNormalVariable(whole.data(), 100000, 0.25, 1.5, 2024);
     EXPECT_EQ(Hash(whole.data(), whole.size() * sizeof(double)), kRecordedNormalHash);
-    Stream s(2024);
+    MersenneTwister s(2024);
     // Blocks of seven, at every alignment.
     for (std::size_t i = 0; i < parts.size(); i += 7)
-        vdRngGaussian(2, s.stream, static_cast<std::int32_t>(std::min<std::size_t>(7, parts.size() - i)),
-                      parts.data() + i, 0.25, 1.5);
+        FillNormalVariates(s, {parts.data() + i, std::min<std::size_t>(7, parts.size() - i)}, 0.25, 1.5);
     EXPECT_EQ(Hash(parts.data(), parts.size() * sizeof(double)), kRecordedNormalHash);
     std::vector<std::int32_t> integers(100000);
-    Stream t(2024);
-    viRngUniform(0, t.stream, 100000, integers.data(), 0, 100000);
+    MersenneTwister t(2024);
+    FillUniformIntegers(t, integers, 100000);
     EXPECT_EQ(Hash(integers.data(), integers.size() * sizeof(std::int32_t)), kRecordedIntegerHash);
 }
 
@@ -194,12 +188,23 @@ TEST(RandomDistribution, IndicesByChiSquare) {
     EXPECT_LT(p, 1 - 1e-4);
 }
 
-TEST(RandomThread, NormalCallsFromManyThreadsAgree) {
-    std::vector<std::vector<double>> z(6, std::vector<double>(3000));
+TEST(RandomThread, NormalCallsAndStreamsOfTheirOwnAgreeFromManyThreads) {
+    struct Numbers {
+        std::vector<double> normal = std::vector<double>(3000);
+        std::vector<std::int32_t> indices = std::vector<std::int32_t>(3000);
+        bool operator==(const Numbers&) const = default;
+    };
+    std::vector<Numbers> all(8);
     std::vector<std::thread> threads;
-    for (auto& values : z) threads.emplace_back([&values] { RandomNormalVariable(values.data(), 3000, 0, 1, 9); });
+    for (Numbers& numbers : all)
+        threads.emplace_back([&numbers] {
+            RandomNormalVariable(numbers.normal.data(), 3000, 0, 1, 9);
+            const RandomStreamHandle stream = CreateRandomStream(9);
+            RandomUniformInteger(stream, numbers.indices.data(), 3000);
+            DeleteRandomStream(stream);
+        });
     for (std::thread& thread : threads) thread.join();
-    for (const auto& values : z) EXPECT_EQ(values, z[0]);
+    for (const Numbers& numbers : all) EXPECT_TRUE(numbers == all[0]);
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // Whatever arrives, every export of the special functions and of the continuous distributions returns
-// in bounded time: no assertion, no endless loop, no exception but those of the contract.
+// in bounded time: no assertion, no endless loop, no exception but those of the manual.
 #include <gtest/gtest.h>
 
 #include <chrono>

@@ -56,11 +56,6 @@ TEST(GammaLn, PolesThrowAndOtherNegativeArgumentsDoNot) {
     EXPECT_NEAR(GammaLn(-0.5), std::log(3.5449077018110321), 1e-15);
 }
 
-TEST(GammaLn, FarOutTheApproximationGivesNaN) {
-    EXPECT_GT(GammaLn(4.3e25), 2e27);
-    EXPECT_TRUE(std::isnan(GammaLn(4.4e25)));
-}
-
 TEST(GammaDerivative, AtZero) {
     EXPECT_EQ(GammaDerivative(1, 0), 1);
     EXPECT_EQ(GammaDerivative(2, 0), 0);

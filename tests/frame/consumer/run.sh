@@ -7,6 +7,7 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
 cmake --install "$build" --prefix "$scratch/prefix" >/dev/null
+[ -n "$(find "$scratch/prefix" -name THIRD_PARTY_NOTICES.md)" ] || { echo "the notices are not installed"; exit 1; }
 echo "through the CMake package:"
 cmake -G Ninja -S "$here" -B "$scratch/cmake" -DCMAKE_PREFIX_PATH="$scratch/prefix" >/dev/null
 cmake --build "$scratch/cmake" >/dev/null

@@ -1,13 +1,9 @@
 """A host's view of the library: loads it by name and binds every export by the signature table."""
 import ctypes
-import sys
-from pathlib import Path
 
 import numpy as np
 
-ROOT = Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(ROOT / "tools"))
-from signature_table import exports  # noqa: E402
+from signature_table import exports
 
 
 class MatrixDescriptor(ctypes.Structure):

@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# Builds the Python package, tests it, makes the wheel, and tests the wheel as pip installs it.
+#   hosts/python/check.sh [PRESET]      default: dev
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+preset=${1:-dev}
+tools/install_packages.sh hosts
+cmake --preset "$preset" -DORVANTH_PYTHON=ON >"build/$preset-python.log" 2>&1 || { cat "build/$preset-python.log"; exit 1; }
+cmake --build --preset "$preset" --target orvanth_python
+ctest --test-dir "build/$preset" -R '^python_package$' --output-on-failure
+
+wheels=build/$preset/wheels
+/usr/bin/python3 tools/make_wheel.py "build/$preset/python" "$wheels"
+venv=build/$preset/wheel-venv
+rm -rf "$venv"
+/usr/bin/python3 -m venv --system-site-packages "$venv"
+"$venv/bin/pip" install --quiet --no-index --no-deps "$wheels"/*.whl
+cd /
+"$OLDPWD/examples/hosts/check.sh" "$OLDPWD/examples/hosts/survive.py" "$OLDPWD/$venv/bin/python" "$OLDPWD/examples/hosts/survive.py"
+"$OLDPWD/$venv/bin/python" -c 'import orvanth; assert "site-packages" in orvanth.__file__, orvanth.__file__'
+echo "the wheel installs and works"

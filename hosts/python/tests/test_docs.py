@@ -1,0 +1,44 @@
+"""Every docstring has an example, every example runs, and stubs name what there is."""
+import ast
+import doctest
+import inspect
+from pathlib import Path
+
+import orvanth
+import orvanth.errors
+import orvanth.optimize
+import pytest
+
+PACKAGE = Path(orvanth.__file__).parent
+PLACES = {**{f"ufunc {n}": f for n, f in orvanth.ufuncs.items()},
+          **{f"function {n}": getattr(orvanth, n) for n in orvanth.functions.__all__},
+          **{f"linalg.{n}": getattr(orvanth.linalg, n) for n in orvanth.linalg.__all__ if n != "OLSResult"},
+          **{f"random.{n}": getattr(orvanth.random, n) for n in orvanth.random.__all__},
+          "minimize": orvanth.minimize, "last_error": orvanth.last_error}
+
+
+@pytest.mark.parametrize("place", PLACES)
+def test_example(place):
+    text = inspect.getdoc(PLACES[place]) if not place.startswith("ufunc") else PLACES[place].__doc__
+    test = doctest.DocTestParser().get_doctest(text, {}, place, None, None)
+    assert len(test.examples) >= 2, "no example"
+    runner = doctest.DocTestRunner(verbose=False, optionflags=doctest.NORMALIZE_WHITESPACE)
+    runner.run(test)
+    assert runner.failures == 0
+
+
+def test_stubs_name_what_there_is():
+    tree = ast.parse((PACKAGE / "__init__.pyi").read_text())
+    named = {n.name for n in tree.body if isinstance(n, ast.FunctionDef)}
+    named |= {n.target.id for n in tree.body if isinstance(n, ast.AnnAssign)}
+    named |= {a.asname for n in tree.body if isinstance(n, ast.ImportFrom) for a in n.names if a.asname}
+    assert set(orvanth.__all__) <= named
+    assert all(hasattr(orvanth, n) for n in named)
+
+
+def test_the_stub_gives_each_function_its_parameters():
+    tree = ast.parse((PACKAGE / "__init__.pyi").read_text())
+    for node in tree.body:
+        if isinstance(node, ast.FunctionDef):
+            stub = [a.arg for a in node.args.args + node.args.kwonlyargs]
+            assert stub == list(inspect.signature(getattr(orvanth, node.name)).parameters), node.name

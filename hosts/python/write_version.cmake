@@ -1,0 +1,1 @@
+file(WRITE ${FILE} "__version__ = \"${VERSION}\"\n")

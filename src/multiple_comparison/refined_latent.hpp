@@ -1,0 +1,47 @@
+// The conditional probability of the three statistics at a known scale, in both tails, by a rule
+// whose step follows the integrand.
+//
+// The integrands are those of statistics.cpp. There every normal probability is 1 - Phi(-z), which
+// fixes digits; here each is computed as the tail that it is, so that small probabilities keep their
+// relative accuracy.
+#ifndef ORVANTH_MULTIPLE_COMPARISON_REFINED_LATENT_HPP
+#define ORVANTH_MULTIPLE_COMPARISON_REFINED_LATENT_HPP
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace orvanth {
+
+enum class ComparisonKind { kAllPairs, kOneSided, kTwoSided };
+
+// Comparisons that share a coefficient.
+struct ComparisonRun {
+    double lambda;
+    double c;            // 1 / sqrt(1 - lambda^2)
+    std::int32_t count;  // how many comparisons
+};
+
+struct ComparisonStatistic {
+    ComparisonKind kind;
+    std::int32_t k;
+    std::vector<ComparisonRun> runs;  // all pairs: one run, with k - 1 comparisons
+    double steepest;                  // the largest c |lambda|: the factors change within 1 / steepest
+};
+
+// The steps and places found at one scale, from which the next scale starts.
+struct LatentStart {
+    double step = 0.4;
+    double mode = 0.0;
+    bool known = false;
+};
+
+// P(statistic <= v) or P(statistic > v) at scale 1.
+double ConditionalProbability(const ComparisonStatistic& statistic, double v, bool upper, LatentStart& start);
+
+// erfc(z / sqrt 2) / 2, the upper normal tail.
+double UpperNormal(double z);
+
+}  // namespace orvanth
+
+#endif

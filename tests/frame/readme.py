@@ -1,0 +1,50 @@
+#!/usr/bin/env python3
+"""Runs README.md's first call as printed: installs the library, compiles the program, compares its output.
+
+    readme.py BUILD_FOLDER                what is built there is installed in place of building the preset release
+    readme.py --build                     builds the preset release too, as the README says
+"""
+import os
+import re
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+
+
+def block(name):
+    found = re.findall(rf"<!-- run: {re.escape(name)} -->\n```\w*\n(.*?)```\n", (ROOT / "README.md").read_text(), re.S)
+    if len(found) != 1:
+        sys.exit(f"README.md: one block is needed after '<!-- run: {name} -->', there are {len(found)}")
+    return found[0]
+
+
+def main(argument):
+    install = block("install")
+    if argument != "--build":
+        lines = install.splitlines()
+        install = lines[-1].replace("build/release", f'"{Path(argument).resolve()}"')
+        if not lines[-1].startswith("cmake --install build/release "):
+            sys.exit(f"README.md: the last command of the installation is not the expected one: {lines[-1]}")
+    with tempfile.TemporaryDirectory() as home:
+        environment = dict(os.environ, HOME=home)
+        environment.pop("LD_LIBRARY_PATH", None)
+
+        def shell(text, folder):
+            done = subprocess.run(["bash", "-euo", "pipefail", "-c", text], cwd=folder, env=environment,
+                                  capture_output=True, text=True)
+            if done.returncode != 0:
+                sys.exit(f"README.md: these commands end with {done.returncode}:\n{text}\n{done.stdout}{done.stderr}")
+            return done.stdout
+
+        shell(install, ROOT)
+        Path(home, "first.c").write_text(block("first.c"))
+        printed = shell(block("compile"), home)
+    if printed != block("output"):
+        sys.exit(f"README.md says that the first call prints {block('output')!r}; it prints {printed!r}")
+    print("the first call of README.md prints what it says: " + printed.strip())
+
+
+main(sys.argv[1])

@@ -1,0 +1,134 @@
+// The refined forms against 36-digit integration, and their edges.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <map>
+#include <random>
+#include <string>
+
+#include "frame/policies.hpp"
+#include "multiple_comparison/families.hpp"
+#include "multiple_comparison/refined.hpp"
+#include "support/table.hpp"
+
+namespace {
+
+using namespace orvanth;
+using namespace orvanth::test;
+
+using Refined = double (*)(double, std::int32_t, double, std::span<const double>, bool);
+struct RefinedFamily {
+    Refined cumulative;
+    Refined quantile;
+    Export plain;
+};
+const std::map<std::string, RefinedFamily> kRefined = {{"Tukey", {RefinedTukeyCDF, RefinedTukeyICDF, MCaCDF}},
+                                                       {"Hsu", {RefinedHsuCDF, RefinedHsuICDF, MCbCDF}},
+                                                       {"Dunnett", {RefinedDunnettCDF, RefinedDunnettICDF, MCcCDF}}};
+
+// The coefficients of a row: "equal", or numbers with commas between them.
+std::vector<double> Coefficients(const std::string& cell) {
+    if (cell == "equal") return kEqualGroups;
+    std::vector<double> found;
+    std::istringstream stream(cell);
+    for (std::string number; std::getline(stream, number, ',');) found.push_back(std::stod(number));
+    return found;
+}
+
+TEST(Refined, AgreesWithIntegrationTo36Digits) {
+    double worstProbability = 0, worstTail = 0, worstQuantile = 0;
+    int rows = 0;
+    for (const auto& row : ReadTable("accuracy/refined_multiple_comparison.tsv")) {
+        const RefinedFamily& family = kRefined.at(row[0]);
+        const std::int32_t k = std::stoi(row[1]);
+        const double df = std::stod(row[2]), x = std::strtod(row[5].c_str(), nullptr);
+        const std::vector<double> lambda = Coefficients(row[3]);
+        const bool upper = row[4] == "upper";
+        const std::string where = row[0] + " k " + row[1] + " df " + row[2] + " " + row[4] + " x " + row[5];
+        for (const bool side : {false, true}) {
+            const double exact = std::stod(row[side ? 7 : 6]);
+            const double found = family.cumulative(x, k, df, lambda, side);
+            const double error = std::fabs(found - exact);
+            EXPECT_LE(error, 1e-10) << where;
+            worstProbability = std::max(worstProbability, error);
+            if (side != upper) continue;
+            // Each row stands at a level of the tail that it names.
+            EXPECT_LE(error / exact, 1e-9) << where;
+            worstTail = std::max(worstTail, error / exact);
+            const double quantile = family.quantile(exact, k, df, lambda, side);
+            // Near x = 0 a one-sided quantile has an absolute error.
+            const double relative = std::fabs(quantile - x) / std::max(std::fabs(x), row[0] == "Hsu" ? 1e-2 : 0.0);
+            EXPECT_LE(relative, 1e-8) << where;
+            worstQuantile = std::max(worstQuantile, relative);
+        }
+        ++rows;
+    }
+    EXPECT_GT(rows, 250);
+    std::printf("  worst: probability %.1e, relative in a tail %.1e, quantile %.1e in %d rows\n", worstProbability,
+                worstTail, worstQuantile, rows);
+}
+
+TEST(Refined, TailsAddToOneForUnequalAndNegativeCoefficients) {
+    std::mt19937_64 random(20260412);
+    std::uniform_real_distribution<double> coefficient(-0.95, 0.95), point(-1, 6), exponent(0, 4);
+    for (int trial = 0; trial < 60; ++trial) {
+        const std::int32_t k = 2 + trial % 7;
+        std::vector<double> lambda(static_cast<std::size_t>(k));
+        for (double& l : lambda) l = coefficient(random);
+        const double df = std::pow(10, exponent(random)), x = point(random);
+        for (const Refined function : {RefinedHsuCDF, RefinedDunnettCDF}) {
+            const double sum = function(x, k, df, lambda, false) + function(x, k, df, lambda, true);
+            EXPECT_NEAR(sum, 1.0, 1e-10) << "trial " << trial << " k " << k << " df " << df << " x " << x;
+        }
+        if (df > 3 && df < 1000) {
+            EXPECT_NEAR(RefinedDunnettCDF(std::fabs(x), k, df, lambda, false),
+                        MCcCDF(std::fabs(x), k, df, lambda.data(), 0), 2e-5);
+            EXPECT_NEAR(RefinedHsuCDF(x, k, df, lambda, false), MCbCDF(x, k, df, lambda.data(), 0), 2e-5);
+        }
+    }
+}
+
+TEST(Refined, QuantileInvertsBothTailsForUnequalCoefficients) {
+    const std::array<double, 5> lambda = {0.3, 0.9, 0.6, 0.6, 0};
+    for (const auto& [name, family] : kRefined)
+        for (const double df : {1.0, 7.5, 1000.0, kInfinity})
+            for (const double p : {1e-12, 1e-4, 0.3, 0.5, 0.95, 0.999999})
+                for (const bool upper : {false, true}) {
+                    const std::span<const double> used =
+                        name == "Tukey" ? std::span<const double>(kEqualGroups) : std::span<const double>(lambda);
+                    const double x = family.quantile(p, 5, df, used, upper);
+                    EXPECT_NEAR(family.cumulative(x, 5, df, used, upper) / p, 1.0, 2e-8)
+                        << name << " df " << df << " p " << p << " upper " << upper;
+                }
+}
+
+TEST(Refined, EndsOfTheRange) {
+    const std::span<const double> lambda(kEqualGroups);
+    for (const auto& [name, family] : kRefined) {
+        EXPECT_EQ(family.cumulative(kInfinity, 4, 10, lambda, false), 1.0);
+        EXPECT_EQ(family.cumulative(kInfinity, 4, 10, lambda, true), 0.0);
+        EXPECT_EQ(family.cumulative(-kInfinity, 4, 10, lambda, true), 1.0);
+        EXPECT_EQ(family.cumulative(2, 1, 10, lambda, false), 1.0);
+        if (name != "Hsu") {
+            EXPECT_EQ(family.cumulative(0, 4, 10, lambda, false), 0.0);
+            EXPECT_EQ(family.cumulative(-1, 4, 10, lambda, true), 1.0);
+        }
+        for (const double bad : {0.0, 1.0, -0.1, kNaN})
+            EXPECT_TRUE(std::isnan(family.quantile(bad, 4, 10, lambda, false)));
+        for (const double df : {0.0, -1.0, kNaN}) {
+            EXPECT_TRUE(std::isnan(family.cumulative(2, 4, df, lambda, false)));
+            EXPECT_TRUE(std::isnan(family.quantile(0.9, 4, df, lambda, false)));
+        }
+        EXPECT_TRUE(std::isnan(family.cumulative(kNaN, 4, 10, lambda, false)));
+        EXPECT_TRUE(std::isnan(family.cumulative(2, 0, 10, lambda, false)));
+        EXPECT_TRUE(std::isnan(family.quantile(0.9, 1, 10, lambda, false)));
+        EXPECT_TRUE(std::isnan(family.cumulative(2, 4, 10, std::array<double, 4>{1, 1, 1, 1}, false)));
+        EXPECT_TRUE(std::isnan(family.cumulative(2, 4, 10, std::span<const double>{}, false)))
+            << "too few coefficients";
+    }
+}
+
+}  // namespace

@@ -1,0 +1,90 @@
+// With the heap exhausted every form still answers: nothing is allocated while an exception is handled.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <new>
+
+#include "orvanth/core_math.h"
+#include "orvanth/shield.h"
+#include "support/heap.hpp"
+
+namespace {
+
+thread_local bool heapIsExhausted = false;
+
+#if defined(ORVANTH_HEAP_IS_PLAIN)
+struct Exhausted {
+    Exhausted() { heapIsExhausted = true; }
+    ~Exhausted() { heapIsExhausted = false; }
+};
+#endif
+
+}  // namespace
+
+#if defined(ORVANTH_HEAP_IS_PLAIN)
+
+// The program's own malloc takes the place of the C library's, in the libraries as well.
+extern "C" void* __libc_malloc(std::size_t);
+extern "C" void* malloc(std::size_t bytes) { return heapIsExhausted ? nullptr : __libc_malloc(bytes); }
+
+namespace {
+
+TEST(ShieldMemory, WithoutAHeapTheExportsThatNeedOneSaySo) {
+    const double lambda[] = {0.5, 0.5, 0.5};
+    double result = 0, a[] = {1, 2, 3, 5}, b[] = {1, 2}, x[2], tau[2];
+    const MatrixDescriptor square{0, 2, 2, 2}, column{0, 2, 2, 1};
+    double s[2], u[4], vt[4];
+    std::int32_t status[5], info = 0, svdInfo = 0;
+    const char* text = nullptr;
+    bool sameText = true;
+    {
+        Exhausted now;
+        result = SafeMCcCDF(1, 3, 10, lambda, 0);
+        status[0] = LastStatus();
+        text = LastErrorText();
+        for (const char *want = "out of memory", *got = text; *want || *got; ++want, ++got)
+            if (*want != *got) {
+                sameText = false;
+                break;
+            }
+        info = SafeOLS(a, &square, b, &column, x, &column, tau, 1e-9);
+        status[1] = LastStatus();
+        SafeFNCHypergeometricCDF(3, 5, 10, 20, 2, 0, 1e-7);
+        status[2] = LastStatus();
+        SafeCreateRandomStream(1);
+        status[3] = LastStatus();
+        svdInfo = SafeThinSVD(a, &square, s, u, &square, vt, &square);
+        status[4] = LastStatus();
+    }
+    EXPECT_TRUE(std::isnan(result));
+    EXPECT_TRUE(sameText);
+    EXPECT_EQ(info, ORVANTH_NO_MEMORY);
+    EXPECT_EQ(svdInfo, ORVANTH_NO_MEMORY);
+    for (std::int32_t one : status) EXPECT_EQ(one, ORVANTH_STATUS_MEMORY);
+    EXPECT_EQ(SafeMCcCDF(1, 3, 10, lambda, 0), MCcCDF(1, 3, 10, lambda, 0)) << "and afterwards all is as before";
+}
+
+TEST(ShieldMemory, AnArrayFormGoesOnBehindAnElementWithoutMemory) {
+    double x[] = {1, 1}, df = 10, lambda[] = {0.5, 0, 0.5, 0, 0.5, 0}, results[2] = {0, 0};
+    std::int64_t k = 3, tail = 0;
+    char* pointers[] = {reinterpret_cast<char*>(x),     reinterpret_cast<char*>(&k),
+                        reinterpret_cast<char*>(&df),   reinterpret_cast<char*>(lambda),
+                        reinterpret_cast<char*>(&tail), reinterpret_cast<char*>(results)};
+    const intptr_t dimensions[] = {2, 3};
+    for (intptr_t innerStep : {8, 16}) {  // the second one has to be gathered, which takes memory of its own
+        const intptr_t steps[] = {8, 0, 0, 0, 0, 8, innerStep};
+        EachReport report;
+        {
+            Exhausted now;
+            EachMCcCDF(pointers, dimensions, steps, &report);
+        }
+        EXPECT_EQ(report.failures, 2);
+        EXPECT_EQ(report.status, ORVANTH_STATUS_MEMORY);
+        EXPECT_TRUE(std::isnan(results[0]) && std::isnan(results[1]));
+    }
+}
+
+}  // namespace
+
+#endif
