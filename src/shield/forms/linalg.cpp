@@ -18,16 +18,16 @@ constexpr Facts kQR_Qy{.name = "QR_Qy", .arguments = {"a", "aDescriptor", "trans
 constexpr Facts kFullSVD{.name = "FullSVD",
                          .arguments = {"a", "aDescriptor", "s", "u", "uDescriptor", "vt", "vtDescriptor"},
                          .usesWorkspace = true, .routine = "dgesdd",
-                         .routineArguments = "JOBZ,M,N,A (an element is not finite),LDA,S,U,LDU,VT,LDVT,WORK,LWORK",
+                         .routineArguments = "JOBZ,M,N,A (an element is infinite or a NaN),LDA,S,U,LDU,VT,LDVT,WORK,LWORK",
                          .positiveInfo = "the bidiagonal iteration did not converge (INFO %)"};
 constexpr Facts kThinSVD{.name = "ThinSVD",
                          .arguments = {"a", "aDescriptor", "s", "u", "uDescriptor", "vt", "vtDescriptor"},
                          .routine = "dgesdd",
-                         .routineArguments = "JOBZ,M,N,A (an element is not finite),LDA,S,U,LDU,VT,LDVT,WORK,LWORK",
+                         .routineArguments = "JOBZ,M,N,A (an element is infinite or a NaN),LDA,S,U,LDU,VT,LDVT,WORK,LWORK",
                          .positiveInfo = "the bidiagonal iteration did not converge (INFO %)"};
 constexpr Facts kEigenSymmetric{.name = "EigenSymmetric",
                                 .arguments = {"a", "aDescriptor", "w", "m", "z", "zDescriptor"}, .routine = "dsyevr",
-                                .routineArguments = "JOBZ,RANGE,UPLO,N,A,LDA (or an element is not finite),VL,VU,IL,IU,ABSTOL,M,W,Z,LDZ,ISUPPZ,WORK,LWORK,IWORK,LIWORK",
+                                .routineArguments = "JOBZ,RANGE,UPLO,N,A (a NaN in the lower triangle),LDA,VL,VU,IL,IU,ABSTOL,M,W,Z,LDZ,ISUPPZ,WORK,LWORK,IWORK,LIWORK",
                                 .positiveInfo = "the eigenvalue iteration failed (INFO %)", .nullable = 16};
 constexpr Facts kLS{.name = "LS", .arguments = {"a", "aDescriptor", "b", "bDescriptor"}, .usesWorkspace = true,
                     .routine = "dgels", .routineArguments = "TRANS,M,N,NRHS,A,LDA,B,LDB,WORK,LWORK",
