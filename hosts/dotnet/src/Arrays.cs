@@ -1,6 +1,6 @@
 using System;
+using System.Runtime.CompilerServices;
 using System.Runtime.InteropServices;
-using System.Text;
 
 namespace Orvanth.Core.Math
 {
@@ -115,6 +115,9 @@ namespace Orvanth.Core.Math
 
     internal static unsafe class ArrayCall
     {
+        // A delegate to a function does not run the constructor of its class, which loads the library.
+        static ArrayCall() { RuntimeHelpers.RunClassConstructor(typeof(Native).TypeHandle); }
+
         internal static ArrayReport Run(EachForm form, double[][] results, params Argument[] arguments)
         {
             int n = arguments.Length, all = n + results.Length;
