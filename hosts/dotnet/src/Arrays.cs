@@ -1,5 +1,4 @@
 using System;
-using System.Runtime.CompilerServices;
 using System.Runtime.InteropServices;
 
 namespace Orvanth.Core.Math
@@ -115,9 +114,6 @@ namespace Orvanth.Core.Math
 
     internal static unsafe class ArrayCall
     {
-        // A delegate to a function does not run the constructor of its class, which loads the library.
-        static ArrayCall() { RuntimeHelpers.RunClassConstructor(typeof(Native).TypeHandle); }
-
         internal static ArrayReport Run(EachForm form, double[][] results, params Argument[] arguments)
         {
             int n = arguments.Length, all = n + results.Length;

@@ -45,6 +45,7 @@ namespace Orvanth.Core.Math
         /// <summary>QR factorisation, of the reduced form.</summary>
         public static QrFactors Qr(Matrix a, bool pivoting = false)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Matrix factors = Required(a, "a").Clone();
             int k = System.Math.Min(a.Rows, a.Columns);
             var tau = new double[k];
@@ -71,6 +72,7 @@ namespace Orvanth.Core.Math
         /// <summary>Singular value decomposition. With `full` U and Vt are square; that form takes small matrices only.</summary>
         public static SingularValues Svd(Matrix a, bool full = false)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Matrix work = Finite(Required(a, "a")).Clone();
             int m = a.Rows, n = a.Columns, k = System.Math.Min(m, n);
             Matrix u = new Matrix(m, full ? m : k), vt = new Matrix(full ? n : k, n);
@@ -85,6 +87,7 @@ namespace Orvanth.Core.Math
         /// <summary>Eigenvalues and eigenvectors of a symmetric matrix, of which the lower triangle is read.</summary>
         public static Eigensystem Eigen(Matrix a)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Square(a);
             Matrix work = Finite(a).Clone(), vectors = new Matrix(a.Rows, a.Rows);
             var values = new double[a.Rows];
@@ -97,6 +100,7 @@ namespace Orvanth.Core.Math
         /// <summary>The x that makes a x closest to b for a of full rank, or the shortest x where a is wide.</summary>
         public static Matrix LeastSquares(Matrix a, Matrix b)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Matrix work = Required(a, "a").Clone();
             SameRows(a, Required(b, "b"));
             var x = new Matrix(System.Math.Max(a.Rows, a.Columns), b.Columns);
@@ -114,6 +118,7 @@ namespace Orvanth.Core.Math
         /// <exception cref="CollinearityException">a column is a combination of the columns before it</exception>
         public static double[] Ols(Matrix x, double[] y, double tolerance = 1e-9)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Matrix work = Required(x, "x").Clone();
             if (y == null) throw new ArgumentNullException("y");
             if (x.Rows < x.Columns) throw new ArgumentException("the design has fewer rows than columns", "x");
@@ -131,6 +136,7 @@ namespace Orvanth.Core.Math
         /// <summary>The x with a x = b for a triangular a, or for its transpose.</summary>
         public static Matrix SolveTriangular(Matrix a, Matrix b, bool lower = false, bool transpose = false)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Square(a);
             SameRows(a, Required(b, "b"));
             Matrix x = b.Clone();
@@ -143,6 +149,7 @@ namespace Orvanth.Core.Math
         /// <summary>The sum of squares of y - x b.</summary>
         public static double ResidualSumOfSquares(Matrix x, double[] b, double[] y)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             if (Required(x, "x").Columns != b.Length || x.Rows != y.Length) throw new ArgumentException("the shapes do not fit");
             MatrixDescriptor shape = x.Descriptor;
             double total = Native.SafeXb(x.Storage, ref shape, b, y);

@@ -85,6 +85,7 @@ namespace Orvanth.Core.Math
         {
             if (objective == null) throw new ArgumentNullException("objective");
             if (start == null) throw new ArgumentNullException("start");
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             int n = start.Length;
             double[] l = Bounds(lower, n, double.NegativeInfinity, "lower"), u = Bounds(upper, n, double.PositiveInfinity, "upper");
             var kinds = new int[n];

@@ -10,9 +10,17 @@ namespace Orvanth.Core.Math
     /// from where the system looks.</summary>
     internal static class NativeLibraryFinder
     {
+        // Read before the first call into the library of every method. A field and not a static constructor: Mono looks
+        // for a function while it compiles the method that calls it, and initialises this field when it compiles its use.
+        internal static readonly bool IsLoaded = Load();
+
+        private static string message;
+
+        internal static void Throw() { throw new DllNotFoundException(message); }
+
         // Once loaded by its full path, the library is found under its own name: by the resolver below, by Windows, and
         // on Mono through Orvanth.Core.Math.dll.config.
-        internal static void Load()
+        private static bool Load()
         {
             var tried = new List<string>();
             IntPtr handle = IntPtr.Zero;
@@ -29,12 +37,15 @@ namespace Orvanth.Core.Math
                 tried.Add(place + ": " + reason);
             }
             if (handle == IntPtr.Zero)
-                throw new DllNotFoundException("The native library of Orvanth.Core.Math was not found. Tried:\n  " +
-                                               string.Join("\n  ", tried));
+            {
+                message = "The native library of Orvanth.Core.Math was not found. Tried:\n  " + string.Join("\n  ", tried);
+                return false;
+            }
 #if NET5_0_OR_GREATER
             NativeLibrary.SetDllImportResolver(typeof(NativeLibraryFinder).Assembly,
                 (name, assembly, path) => name == Native.Library ? handle : IntPtr.Zero);
 #endif
+            return true;
         }
 
         private static bool IsWindows { get { return RuntimeInformation.IsOSPlatform(OSPlatform.Windows); } }

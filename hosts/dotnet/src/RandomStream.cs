@@ -34,7 +34,7 @@ namespace Orvanth.Core.Math
     {
         private sealed class StreamHandle : LibraryHandle
         {
-            internal StreamHandle(int seed) : base(Native.SafeCreateRandomStream(seed)) { }
+            internal StreamHandle(IntPtr made) : base(made) { }
 
             protected override bool ReleaseHandle() { return Native.SafeDeleteRandomStream(handle) == 0; }
         }
@@ -42,7 +42,11 @@ namespace Orvanth.Core.Math
         private readonly StreamHandle stream;
 
         /// <summary>The stream of a seed; every 32-bit integer is one.</summary>
-        public RandomStream(int seed) { stream = new StreamHandle(seed); }
+        public RandomStream(int seed)
+        {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
+            stream = new StreamHandle(Native.SafeCreateRandomStream(seed));
+        }
 
         /// <summary>Draws integers from 0 to count - 1, count of them, with replacement.</summary>
         public int[] Indices(int count)
@@ -58,6 +62,7 @@ namespace Orvanth.Core.Math
         public static double[] Normals(int seed, int count, double mean = 0, double sigma = 1)
         {
             if (count < 0) throw new ArgumentOutOfRangeException("count", "the count is negative");
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             var values = new double[count];
             Failure.Check(Native.SafeRandomNormalVariable(values, count, mean, sigma, seed));
             return values;
@@ -66,6 +71,7 @@ namespace Orvanth.Core.Math
         /// <summary>A matrix of the first normal variates of a seed, filled by columns.</summary>
         public static Matrix NormalMatrix(int seed, int rows, int columns, double mean = 0, double sigma = 1)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             var made = new Matrix(rows, columns);
             Failure.Check(Native.SafeRandomNormalVariables(made.Storage, rows, columns, mean, sigma, seed));
             return made;

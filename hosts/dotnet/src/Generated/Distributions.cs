@@ -35,6 +35,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BetaPDF")]
         public static double Pdf(double x, double a, double b)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaPDF(x, a, b);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -49,6 +50,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BetaPDF")]
         public static unsafe ArrayReport Pdf(Values x, Values a, Values b, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachBetaPDF, new[] { result },
                 Argument.Of("x", x),
                 Argument.Of("a", a),
@@ -82,6 +84,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BetaCDF")]
         public static double Cdf(double x, double a, double b, Tail tail = Tail.Lower)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaCDF(x, a, b, (int)tail);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -97,6 +100,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BetaCDF")]
         public static unsafe ArrayReport Cdf(Values x, Values a, Values b, Tail tail, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachBetaCDF, new[] { result },
                 Argument.Of("x", x),
                 Argument.Of("a", a),
@@ -132,6 +136,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BetaICDF")]
         public static double Quantile(double p, double a, double b, Tail tail = Tail.Lower)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaICDF(p, a, b, (int)tail);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -147,6 +152,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BetaICDF")]
         public static unsafe ArrayReport Quantile(Values p, Values a, Values b, Tail tail, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachBetaICDF, new[] { result },
                 Argument.Of("p", p),
                 Argument.Of("a", a),
@@ -183,6 +189,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("ChiSquaredPDF")]
         public static double Pdf(double x, double df)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeChiSquaredPDF(x, df);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -196,6 +203,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("ChiSquaredPDF")]
         public static unsafe ArrayReport Pdf(Values x, Values df, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachChiSquaredPDF, new[] { result },
                 Argument.Of("x", x),
                 Argument.Of("df", df));
@@ -227,6 +235,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("ChiSquaredCDF")]
         public static double Cdf(double x, double df, Tail tail = Tail.Lower)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeChiSquaredCDF(x, df, (int)tail);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -241,6 +250,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("ChiSquaredCDF")]
         public static unsafe ArrayReport Cdf(Values x, Values df, Tail tail, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachChiSquaredCDF, new[] { result },
                 Argument.Of("x", x),
                 Argument.Of("df", df),
@@ -275,6 +285,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("ChiSquaredICDF")]
         public static double Quantile(double p, double df, Tail tail = Tail.Lower)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeChiSquaredICDF(p, df, (int)tail);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -289,6 +300,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("ChiSquaredICDF")]
         public static unsafe ArrayReport Quantile(Values p, Values df, Tail tail, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachChiSquaredICDF, new[] { result },
                 Argument.Of("p", p),
                 Argument.Of("df", df),
@@ -325,6 +337,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("FisherFPDF")]
         public static double Pdf(double x, double df1, double df2)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeFisherFPDF(x, df1, df2);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -339,6 +352,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("FisherFPDF")]
         public static unsafe ArrayReport Pdf(Values x, Values df1, Values df2, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachFisherFPDF, new[] { result },
                 Argument.Of("x", x),
                 Argument.Of("df1", df1),
@@ -372,6 +386,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("FisherFCDF")]
         public static double Cdf(double x, double df1, double df2, Tail tail = Tail.Lower)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeFisherFCDF(x, df1, df2, (int)tail);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -387,6 +402,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("FisherFCDF")]
         public static unsafe ArrayReport Cdf(Values x, Values df1, Values df2, Tail tail, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachFisherFCDF, new[] { result },
                 Argument.Of("x", x),
                 Argument.Of("df1", df1),
@@ -425,6 +441,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("FisherFICDF")]
         public static double Quantile(double p, double df1, double df2, Tail tail = Tail.Lower)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeFisherFICDF(p, df1, df2, (int)tail);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -440,6 +457,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("FisherFICDF")]
         public static unsafe ArrayReport Quantile(Values p, Values df1, Values df2, Tail tail, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachFisherFICDF, new[] { result },
                 Argument.Of("p", p),
                 Argument.Of("df1", df1),
@@ -478,6 +496,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("GammaPDF")]
         public static double Pdf(double x, double shape, double scale)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaPDF(x, shape, scale);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -492,6 +511,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("GammaPDF")]
         public static unsafe ArrayReport Pdf(Values x, Values shape, Values scale, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachGammaPDF, new[] { result },
                 Argument.Of("x", x),
                 Argument.Of("shape", shape),
@@ -525,6 +545,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("GammaCDF")]
         public static double Cdf(double x, double shape, double scale, Tail tail = Tail.Lower)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaCDF(x, shape, scale, (int)tail);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -540,6 +561,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("GammaCDF")]
         public static unsafe ArrayReport Cdf(Values x, Values shape, Values scale, Tail tail, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachGammaCDF, new[] { result },
                 Argument.Of("x", x),
                 Argument.Of("shape", shape),
@@ -575,6 +597,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("GammaICDF")]
         public static double Quantile(double p, double shape, double scale, Tail tail = Tail.Lower)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaICDF(p, shape, scale, (int)tail);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -590,6 +613,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("GammaICDF")]
         public static unsafe ArrayReport Quantile(Values p, Values shape, Values scale, Tail tail, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachGammaICDF, new[] { result },
                 Argument.Of("p", p),
                 Argument.Of("shape", shape),
@@ -626,6 +650,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("NormalPDF")]
         public static double Pdf(double x, double mean, double sd)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeNormalPDF(x, mean, sd);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -640,6 +665,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("NormalPDF")]
         public static unsafe ArrayReport Pdf(Values x, Values mean, Values sd, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachNormalPDF, new[] { result },
                 Argument.Of("x", x),
                 Argument.Of("mean", mean),
@@ -674,6 +700,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("NormalCDF")]
         public static double Cdf(double x, double mean, double sd, Tail tail = Tail.Lower)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeNormalCDF(x, mean, sd, (int)tail);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -689,6 +716,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("NormalCDF")]
         public static unsafe ArrayReport Cdf(Values x, Values mean, Values sd, Tail tail, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachNormalCDF, new[] { result },
                 Argument.Of("x", x),
                 Argument.Of("mean", mean),
@@ -722,6 +750,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("NormalICDF")]
         public static double Quantile(double p, double mean, double sd, Tail tail = Tail.Lower)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeNormalICDF(p, mean, sd, (int)tail);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -737,6 +766,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("NormalICDF")]
         public static unsafe ArrayReport Quantile(Values p, Values mean, Values sd, Tail tail, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachNormalICDF, new[] { result },
                 Argument.Of("p", p),
                 Argument.Of("mean", mean),
@@ -772,6 +802,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("StudentTPDF")]
         public static double Pdf(double x, double df)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeStudentTPDF(x, df);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -785,6 +816,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("StudentTPDF")]
         public static unsafe ArrayReport Pdf(Values x, Values df, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachStudentTPDF, new[] { result },
                 Argument.Of("x", x),
                 Argument.Of("df", df));
@@ -817,6 +849,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("StudentTCDF")]
         public static double Cdf(double x, double df, Tail tail = Tail.Lower)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeStudentTCDF(x, df, (int)tail);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -831,6 +864,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("StudentTCDF")]
         public static unsafe ArrayReport Cdf(Values x, Values df, Tail tail, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachStudentTCDF, new[] { result },
                 Argument.Of("x", x),
                 Argument.Of("df", df),
@@ -865,6 +899,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("StudentTICDF")]
         public static double Quantile(double p, double df, Tail tail = Tail.Lower)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeStudentTICDF(p, df, (int)tail);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -879,6 +914,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("StudentTICDF")]
         public static unsafe ArrayReport Quantile(Values p, Values df, Tail tail, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachStudentTICDF, new[] { result },
                 Argument.Of("p", p),
                 Argument.Of("df", df),
@@ -921,6 +957,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BinomialPDF")]
         public static double Pdf(double k, double n, double p)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBinomialPDF(k, n, p);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -935,6 +972,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BinomialPDF")]
         public static unsafe ArrayReport Pdf(Values k, Values n, Values p, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachBinomialPDF, new[] { result },
                 Argument.Of("k", k),
                 Argument.Of("n", n),
@@ -974,6 +1012,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BinomialCDF")]
         public static double Cdf(double k, double n, double p, Tail tail = Tail.Lower)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBinomialCDF(k, n, p, (int)tail);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -989,6 +1028,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BinomialCDF")]
         public static unsafe ArrayReport Cdf(Values k, Values n, Values p, Tail tail, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachBinomialCDF, new[] { result },
                 Argument.Of("k", k),
                 Argument.Of("n", n),
@@ -1039,6 +1079,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BinomialICDF")]
         public static double Quantile(double probability, double n, double p, Tail tail = Tail.Lower, bool roundUp = false)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBinomialICDF(probability, n, p, (int)tail, roundUp ? 1 : 0);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -1055,6 +1096,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BinomialICDF")]
         public static unsafe ArrayReport Quantile(Values probability, Values n, Values p, Tail tail, bool roundUp, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachBinomialICDF, new[] { result },
                 Argument.Of("probability", probability),
                 Argument.Of("n", n),
@@ -1100,6 +1142,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BinomialPS")]
         public static double PS(double alpha, double successes, double trials, int boundSelector)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBinomialPS(alpha, successes, trials, boundSelector);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -1115,6 +1158,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BinomialPS")]
         public static unsafe ArrayReport PS(Values alpha, Values successes, Values trials, Integers boundSelector, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachBinomialPS, new[] { result },
                 Argument.Of("alpha", alpha),
                 Argument.Of("successes", successes),
@@ -1166,6 +1210,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("HypergeometricPDF")]
         public static double Pdf(double x, double r, double n, double N)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeHypergeometricPDF(x, r, n, N);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -1181,6 +1226,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("HypergeometricPDF")]
         public static unsafe ArrayReport Pdf(Values x, Values r, Values n, Values N, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachHypergeometricPDF, new[] { result },
                 Argument.Of("x", x),
                 Argument.Of("r", r),
@@ -1229,6 +1275,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("HypergeometricCDF")]
         public static double Cdf(double x, double r, double n, double N, Tail tail = Tail.Lower)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeHypergeometricCDF(x, r, n, N, (int)tail);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -1245,6 +1292,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("HypergeometricCDF")]
         public static unsafe ArrayReport Cdf(Values x, Values r, Values n, Values N, Tail tail, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachHypergeometricCDF, new[] { result },
                 Argument.Of("x", x),
                 Argument.Of("r", r),
@@ -1290,6 +1338,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("HypergeometricICDF")]
         public static double Quantile(double p, double r, double n, double N, Tail tail = Tail.Lower)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeHypergeometricICDF(p, r, n, N, (int)tail);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -1306,6 +1355,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("HypergeometricICDF")]
         public static unsafe ArrayReport Quantile(Values p, Values r, Values n, Values N, Tail tail, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachHypergeometricICDF, new[] { result },
                 Argument.Of("p", p),
                 Argument.Of("r", r),

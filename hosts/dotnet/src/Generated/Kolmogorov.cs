@@ -48,6 +48,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("KolmogorovCDF")]
         public static double Cdf(double x, double n, Tail complement = Tail.Lower)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeKolmogorovCDF(x, n, (int)complement);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -62,6 +63,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("KolmogorovCDF")]
         public static unsafe ArrayReport Cdf(Values x, Values n, Tail complement, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachKolmogorovCDF, new[] { result },
                 Argument.Of("x", x),
                 Argument.Of("n", n),
@@ -102,6 +104,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("KolmogorovICDF")]
         public static double Quantile(double p, double n, Tail complement = Tail.Lower)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeKolmogorovICDF(p, n, (int)complement);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -116,6 +119,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("KolmogorovICDF")]
         public static unsafe ArrayReport Quantile(Values p, Values n, Tail complement, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachKolmogorovICDF, new[] { result },
                 Argument.Of("p", p),
                 Argument.Of("n", n),

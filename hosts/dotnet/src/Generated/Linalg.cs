@@ -39,6 +39,7 @@ namespace Orvanth.Core.Math
         [EditorBrowsable(EditorBrowsableState.Advanced)]
         public static int QR(double[] a, MatrixDescriptor descriptor, double[] tau)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(a, descriptor, "a");
             int result = Native.SafeQR(a, ref descriptor, tau);
             if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
@@ -77,6 +78,7 @@ namespace Orvanth.Core.Math
         [EditorBrowsable(EditorBrowsableState.Advanced)]
         public static int QRP(double[] a, MatrixDescriptor descriptor, double[] tau, int[] jpvt)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(a, descriptor, "a");
             int result = Native.SafeQRP(a, ref descriptor, tau, jpvt);
             if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
@@ -111,6 +113,7 @@ namespace Orvanth.Core.Math
         [EditorBrowsable(EditorBrowsableState.Advanced)]
         public static int QR_Q(double[] a, MatrixDescriptor descriptor, double[] tau)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(a, descriptor, "a");
             int result = Native.SafeQR_Q(a, ref descriptor, tau);
             if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
@@ -149,6 +152,7 @@ namespace Orvanth.Core.Math
         [EditorBrowsable(EditorBrowsableState.Advanced)]
         public static int QR_Qy(double[] a, MatrixDescriptor aDescriptor, bool transpose, double[] tau, double[] c, MatrixDescriptor cDescriptor)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(a, aDescriptor, "a");
             Guard.Fits(c, cDescriptor, "c");
             int result = Native.SafeQR_Qy(a, ref aDescriptor, transpose ? 1 : 0, tau, c, ref cDescriptor);
@@ -192,6 +196,7 @@ namespace Orvanth.Core.Math
         [EditorBrowsable(EditorBrowsableState.Advanced)]
         public static int FullSVD(double[] a, MatrixDescriptor aDescriptor, double[] s, double[] u, MatrixDescriptor uDescriptor, double[] vt, MatrixDescriptor vtDescriptor)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(a, aDescriptor, "a");
             Guard.Fits(u, uDescriptor, "u");
             Guard.Fits(vt, vtDescriptor, "vt");
@@ -237,6 +242,7 @@ namespace Orvanth.Core.Math
         [EditorBrowsable(EditorBrowsableState.Advanced)]
         public static int ThinSVD(double[] a, MatrixDescriptor aDescriptor, double[] s, double[] u, MatrixDescriptor uDescriptor, double[] vt, MatrixDescriptor vtDescriptor)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(a, aDescriptor, "a");
             Guard.Fits(u, uDescriptor, "u");
             Guard.Fits(vt, vtDescriptor, "vt");
@@ -281,6 +287,7 @@ namespace Orvanth.Core.Math
         [EditorBrowsable(EditorBrowsableState.Advanced)]
         public static int EigenSymmetric(double[] a, MatrixDescriptor aDescriptor, double[] w, int[] m, double[] z, MatrixDescriptor zDescriptor)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(a, aDescriptor, "a");
             Guard.Fits(z, zDescriptor, "z");
             int result = Native.SafeEigenSymmetric(a, ref aDescriptor, w, m, z, ref zDescriptor);
@@ -319,6 +326,7 @@ namespace Orvanth.Core.Math
         [EditorBrowsable(EditorBrowsableState.Advanced)]
         public static int LS(double[] a, MatrixDescriptor aDescriptor, double[] b, MatrixDescriptor bDescriptor)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(a, aDescriptor, "a");
             Guard.Fits(b, bDescriptor, "b");
             int result = Native.SafeLS(a, ref aDescriptor, b, ref bDescriptor);
@@ -371,6 +379,7 @@ namespace Orvanth.Core.Math
         [EditorBrowsable(EditorBrowsableState.Advanced)]
         public static int OLS(double[] a, MatrixDescriptor aDescriptor, double[] b, MatrixDescriptor bDescriptor, double[] x, MatrixDescriptor xDescriptor, double[] tau, double tolerance)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(a, aDescriptor, "a");
             Guard.Fits(b, bDescriptor, "b");
             Guard.Fits(x, xDescriptor, "x");
@@ -410,6 +419,7 @@ namespace Orvanth.Core.Math
         [EditorBrowsable(EditorBrowsableState.Advanced)]
         public static int SolveTriangularSystem(double[] a, MatrixDescriptor aDescriptor, bool upper, bool transpose, double[] b, MatrixDescriptor bDescriptor)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(a, aDescriptor, "a");
             Guard.Fits(b, bDescriptor, "b");
             int result = Native.SafeSolveTriangularSystem(a, ref aDescriptor, upper ? 1 : 0, transpose ? 1 : 0, b, ref bDescriptor);
@@ -447,6 +457,7 @@ namespace Orvanth.Core.Math
         [EditorBrowsable(EditorBrowsableState.Advanced)]
         public static double Xb(double[] x, MatrixDescriptor descriptor, double[] b, double[] y)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(x, descriptor, "x");
             double result = Native.SafeXb(x, ref descriptor, b, y);
             if (Native.LastStatus() != 0) Failure.Throw(double.NaN);

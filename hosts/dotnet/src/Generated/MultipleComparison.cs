@@ -47,6 +47,7 @@ namespace Orvanth.Core.Math
             [LibraryExport("MCaCDF")]
             public static double Cdf(double x, int k, double df, double[] lambda, Tail tail = Tail.Lower)
             {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCaCDF(x, k, df, lambda, (int)tail);
                 if (Native.LastStatus() != 0) Failure.Throw(result);
@@ -64,6 +65,7 @@ namespace Orvanth.Core.Math
             [LibraryExport("MCaCDF")]
             public static unsafe ArrayReport Cdf(Values x, Integers k, Values df, double[] lambda, Tail tail, double[] result)
             {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 return ArrayCall.Run(Native.EachMCaCDF, new[] { result },
                     Argument.Of("x", x),
                     Argument.Of("k", k),
@@ -108,6 +110,7 @@ namespace Orvanth.Core.Math
             [LibraryExport("MCaICDF")]
             public static double Quantile(double p, int k, double df, double[] lambda, Tail tail = Tail.Lower)
             {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCaICDF(p, k, df, lambda, (int)tail);
                 if (Native.LastStatus() != 0) Failure.Throw(result);
@@ -125,6 +128,7 @@ namespace Orvanth.Core.Math
             [LibraryExport("MCaICDF")]
             public static unsafe ArrayReport Quantile(Values p, Integers k, Values df, double[] lambda, Tail tail, double[] result)
             {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 return ArrayCall.Run(Native.EachMCaICDF, new[] { result },
                     Argument.Of("p", p),
                     Argument.Of("k", k),
@@ -175,6 +179,7 @@ namespace Orvanth.Core.Math
             [LibraryExport("MCbCDF")]
             public static double Cdf(double x, int k, double df, double[] lambda, Tail tail = Tail.Lower)
             {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCbCDF(x, k, df, lambda, (int)tail);
                 if (Native.LastStatus() != 0) Failure.Throw(result);
@@ -192,6 +197,7 @@ namespace Orvanth.Core.Math
             [LibraryExport("MCbCDF")]
             public static unsafe ArrayReport Cdf(Values x, Integers k, Values df, double[] lambda, Tail tail, double[] result)
             {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 return ArrayCall.Run(Native.EachMCbCDF, new[] { result },
                     Argument.Of("x", x),
                     Argument.Of("k", k),
@@ -236,6 +242,7 @@ namespace Orvanth.Core.Math
             [LibraryExport("MCbICDF")]
             public static double Quantile(double p, int k, double df, double[] lambda, Tail tail = Tail.Lower)
             {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCbICDF(p, k, df, lambda, (int)tail);
                 if (Native.LastStatus() != 0) Failure.Throw(result);
@@ -253,6 +260,7 @@ namespace Orvanth.Core.Math
             [LibraryExport("MCbICDF")]
             public static unsafe ArrayReport Quantile(Values p, Integers k, Values df, double[] lambda, Tail tail, double[] result)
             {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 return ArrayCall.Run(Native.EachMCbICDF, new[] { result },
                     Argument.Of("p", p),
                     Argument.Of("k", k),
@@ -303,6 +311,7 @@ namespace Orvanth.Core.Math
             [LibraryExport("MCcCDF")]
             public static double Cdf(double x, int k, double df, double[] lambda, Tail tail = Tail.Lower)
             {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCcCDF(x, k, df, lambda, (int)tail);
                 if (Native.LastStatus() != 0) Failure.Throw(result);
@@ -320,6 +329,7 @@ namespace Orvanth.Core.Math
             [LibraryExport("MCcCDF")]
             public static unsafe ArrayReport Cdf(Values x, Integers k, Values df, double[] lambda, Tail tail, double[] result)
             {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 return ArrayCall.Run(Native.EachMCcCDF, new[] { result },
                     Argument.Of("x", x),
                     Argument.Of("k", k),
@@ -364,6 +374,7 @@ namespace Orvanth.Core.Math
             [LibraryExport("MCcICDF")]
             public static double Quantile(double p, int k, double df, double[] lambda, Tail tail = Tail.Lower)
             {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCcICDF(p, k, df, lambda, (int)tail);
                 if (Native.LastStatus() != 0) Failure.Throw(result);
@@ -381,6 +392,7 @@ namespace Orvanth.Core.Math
             [LibraryExport("MCcICDF")]
             public static unsafe ArrayReport Quantile(Values p, Integers k, Values df, double[] lambda, Tail tail, double[] result)
             {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 return ArrayCall.Run(Native.EachMCcICDF, new[] { result },
                     Argument.Of("p", p),
                     Argument.Of("k", k),

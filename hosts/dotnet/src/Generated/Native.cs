@@ -10,11 +10,6 @@ namespace Orvanth.Core.Math
     {
         internal const string Library = "Orvanth.Core.Math.Shield";
 
-        static Native()
-        {
-            NativeLibraryFinder.Load();
-        }
-
 #if NET5_0_OR_GREATER
         [SuppressGCTransition]
 #endif

@@ -51,6 +51,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("FNCHypergeometricCDF")]
         public static double Cdf(int x, int n, int m, int N, double odds, Tail tail, double accuracy)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeFNCHypergeometricCDF(x, n, m, N, odds, (int)tail, accuracy);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -69,6 +70,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("FNCHypergeometricCDF")]
         public static unsafe ArrayReport Cdf(Integers x, Integers n, Integers m, Integers N, Values odds, Tail tail, Values accuracy, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachFNCHypergeometricCDF, new[] { result },
                 Argument.Of("x", x),
                 Argument.Of("n", n),
@@ -112,6 +114,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("FNCHypergeometricICDF")]
         public static double Quantile(double p, int n, int m, int N, double odds, Tail tail, double accuracy)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeFNCHypergeometricICDF(p, n, m, N, odds, (int)tail, accuracy);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -130,6 +133,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("FNCHypergeometricICDF")]
         public static unsafe ArrayReport Quantile(Values p, Integers n, Integers m, Integers N, Values odds, Tail tail, Values accuracy, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachFNCHypergeometricICDF, new[] { result },
                 Argument.Of("p", p),
                 Argument.Of("n", n),
@@ -170,6 +174,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("FNCHypergeometricMoments")]
         public static void Moments(int n, int m, int N, double odds, out double mean, out double variance)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Native.SafeFNCHypergeometricMoments(n, m, N, odds, out mean, out variance);
             if (Native.LastStatus() != 0) Failure.Throw(mean);
         }
@@ -185,6 +190,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("FNCHypergeometricMoments")]
         public static unsafe ArrayReport Moments(Integers n, Integers m, Integers N, Values odds, double[] mean, double[] variance)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachFNCHypergeometricMoments, new[] { mean, variance },
                 Argument.Of("n", n),
                 Argument.Of("m", m),

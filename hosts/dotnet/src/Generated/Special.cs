@@ -33,6 +33,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("Gamma")]
         public static double Gamma(double x)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGamma(x);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -45,6 +46,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("Gamma")]
         public static unsafe ArrayReport Gamma(Values x, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachGamma, new[] { result },
                 Argument.Of("x", x));
         }
@@ -74,6 +76,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("GammaLn")]
         public static double GammaLn(double x)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaLn(x);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -86,6 +89,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("GammaLn")]
         public static unsafe ArrayReport GammaLn(Values x, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachGammaLn, new[] { result },
                 Argument.Of("x", x));
         }
@@ -118,6 +122,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("GammaRegularized")]
         public static double GammaRegularized(double a, double x)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaRegularized(a, x);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -131,6 +136,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("GammaRegularized")]
         public static unsafe ArrayReport GammaRegularized(Values a, Values x, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachGammaRegularized, new[] { result },
                 Argument.Of("a", a),
                 Argument.Of("x", x));
@@ -160,6 +166,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("GammaRegularizedC")]
         public static double GammaRegularizedC(double a, double x)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaRegularizedC(a, x);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -173,6 +180,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("GammaRegularizedC")]
         public static unsafe ArrayReport GammaRegularizedC(Values a, Values x, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachGammaRegularizedC, new[] { result },
                 Argument.Of("a", a),
                 Argument.Of("x", x));
@@ -203,6 +211,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("GammaDerivative")]
         public static double GammaDerivative(double a, double x)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaDerivative(a, x);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -216,6 +225,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("GammaDerivative")]
         public static unsafe ArrayReport GammaDerivative(Values a, Values x, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachGammaDerivative, new[] { result },
                 Argument.Of("a", a),
                 Argument.Of("x", x));
@@ -246,6 +256,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("IncompleteGammaLower")]
         public static double IncompleteGammaLower(double a, double x)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeIncompleteGammaLower(a, x);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -259,6 +270,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("IncompleteGammaLower")]
         public static unsafe ArrayReport IncompleteGammaLower(Values a, Values x, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachIncompleteGammaLower, new[] { result },
                 Argument.Of("a", a),
                 Argument.Of("x", x));
@@ -288,6 +300,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("IncompleteGammaUpper")]
         public static double IncompleteGammaUpper(double a, double x)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeIncompleteGammaUpper(a, x);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -301,6 +314,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("IncompleteGammaUpper")]
         public static unsafe ArrayReport IncompleteGammaUpper(Values a, Values x, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachIncompleteGammaUpper, new[] { result },
                 Argument.Of("a", a),
                 Argument.Of("x", x));
@@ -332,6 +346,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("InverseGammaRegularized")]
         public static double InverseGammaRegularized(double a, double p)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeInverseGammaRegularized(a, p);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -345,6 +360,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("InverseGammaRegularized")]
         public static unsafe ArrayReport InverseGammaRegularized(Values a, Values p, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachInverseGammaRegularized, new[] { result },
                 Argument.Of("a", a),
                 Argument.Of("p", p));
@@ -374,6 +390,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("InverseGammaRegularizedC")]
         public static double InverseGammaRegularizedC(double a, double q)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeInverseGammaRegularizedC(a, q);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -387,6 +404,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("InverseGammaRegularizedC")]
         public static unsafe ArrayReport InverseGammaRegularizedC(Values a, Values q, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachInverseGammaRegularizedC, new[] { result },
                 Argument.Of("a", a),
                 Argument.Of("q", q));
@@ -418,6 +436,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("Beta")]
         public static double Beta(double a, double b)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBeta(a, b);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -431,6 +450,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("Beta")]
         public static unsafe ArrayReport Beta(Values a, Values b, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachBeta, new[] { result },
                 Argument.Of("a", a),
                 Argument.Of("b", b));
@@ -466,6 +486,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BetaRegularized")]
         public static double BetaRegularized(double a, double b, double x)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaRegularized(a, b, x);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -480,6 +501,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BetaRegularized")]
         public static unsafe ArrayReport BetaRegularized(Values a, Values b, Values x, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachBetaRegularized, new[] { result },
                 Argument.Of("a", a),
                 Argument.Of("b", b),
@@ -511,6 +533,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BetaRegularizedC")]
         public static double BetaRegularizedC(double a, double b, double x)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaRegularizedC(a, b, x);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -525,6 +548,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BetaRegularizedC")]
         public static unsafe ArrayReport BetaRegularizedC(Values a, Values b, Values x, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachBetaRegularizedC, new[] { result },
                 Argument.Of("a", a),
                 Argument.Of("b", b),
@@ -559,6 +583,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BetaDerivative")]
         public static double BetaDerivative(double a, double b, double x)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaDerivative(a, b, x);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -573,6 +598,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("BetaDerivative")]
         public static unsafe ArrayReport BetaDerivative(Values a, Values b, Values x, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachBetaDerivative, new[] { result },
                 Argument.Of("a", a),
                 Argument.Of("b", b),
@@ -607,6 +633,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("InverseBetaRegularized")]
         public static double InverseBetaRegularized(double a, double b, double p)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeInverseBetaRegularized(a, b, p);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -621,6 +648,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("InverseBetaRegularized")]
         public static unsafe ArrayReport InverseBetaRegularized(Values a, Values b, Values p, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachInverseBetaRegularized, new[] { result },
                 Argument.Of("a", a),
                 Argument.Of("b", b),
@@ -654,6 +682,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("InverseBetaRegularized2")]
         public static void InverseBetaRegularized2(double a, double b, double p, out double result, out double complement)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Native.SafeInverseBetaRegularized2(a, b, p, out result, out complement);
             if (Native.LastStatus() != 0) Failure.Throw(result);
         }
@@ -668,6 +697,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("InverseBetaRegularized2")]
         public static unsafe ArrayReport InverseBetaRegularized2(Values a, Values b, Values p, double[] result, double[] complement)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachInverseBetaRegularized2, new[] { result, complement },
                 Argument.Of("a", a),
                 Argument.Of("b", b),
@@ -700,6 +730,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("InverseBetaRegularizedC")]
         public static double InverseBetaRegularizedC(double a, double b, double q)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeInverseBetaRegularizedC(a, b, q);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -714,6 +745,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("InverseBetaRegularizedC")]
         public static unsafe ArrayReport InverseBetaRegularizedC(Values a, Values b, Values q, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachInverseBetaRegularizedC, new[] { result },
                 Argument.Of("a", a),
                 Argument.Of("b", b),
@@ -746,6 +778,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("InverseBetaRegularizedC2")]
         public static void InverseBetaRegularizedC2(double a, double b, double q, out double result, out double complement)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Native.SafeInverseBetaRegularizedC2(a, b, q, out result, out complement);
             if (Native.LastStatus() != 0) Failure.Throw(result);
         }
@@ -760,6 +793,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("InverseBetaRegularizedC2")]
         public static unsafe ArrayReport InverseBetaRegularizedC2(Values a, Values b, Values q, double[] result, double[] complement)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachInverseBetaRegularizedC2, new[] { result, complement },
                 Argument.Of("a", a),
                 Argument.Of("b", b),
@@ -790,6 +824,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("Erf")]
         public static double Erf(double x)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeErf(x);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -802,6 +837,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("Erf")]
         public static unsafe ArrayReport Erf(Values x, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachErf, new[] { result },
                 Argument.Of("x", x));
         }
@@ -829,6 +865,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("ErfC")]
         public static double ErfC(double x)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeErfC(x);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -841,6 +878,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("ErfC")]
         public static unsafe ArrayReport ErfC(Values x, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachErfC, new[] { result },
                 Argument.Of("x", x));
         }
@@ -868,6 +906,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("InverseErf")]
         public static double InverseErf(double p)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeInverseErf(p);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -880,6 +919,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("InverseErf")]
         public static unsafe ArrayReport InverseErf(Values p, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachInverseErf, new[] { result },
                 Argument.Of("p", p));
         }
@@ -907,6 +947,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("InverseErfC")]
         public static double InverseErfC(double z)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeInverseErfC(z);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -919,6 +960,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("InverseErfC")]
         public static unsafe ArrayReport InverseErfC(Values z, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachInverseErfC, new[] { result },
                 Argument.Of("z", z));
         }
@@ -949,6 +991,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("LogXplus1")]
         public static double LogXplus1(double x)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeLogXplus1(x);
             if (Native.LastStatus() != 0) Failure.Throw(result);
             return result;
@@ -961,6 +1004,7 @@ namespace Orvanth.Core.Math
         [LibraryExport("LogXplus1")]
         public static unsafe ArrayReport LogXplus1(Values x, double[] result)
         {
+            if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             return ArrayCall.Run(Native.EachLogXplus1, new[] { result },
                 Argument.Of("x", x));
         }
