@@ -9,8 +9,9 @@ build=${1:-build/dev}
 if [ ! -e "$build/src/libOrvanth.Core.Math.Shield.so" ]; then
     [ $# -eq 0 ] || { echo "check.sh: there are no libraries in $build/src" >&2; exit 1; }
     cmake --preset dev >build/dev-dotnet.log 2>&1 || { cat build/dev-dotnet.log; exit 1; }
-    cmake --build --preset dev --target shield
+    cmake --build --preset dev --target core_math_shield
 fi
+build=$(cd "$build" && pwd)
 out=$root/build/dotnet nunit=/usr/lib/cli/nunit.framework-2.6.3/nunit.framework.dll
 export OPENBLAS_NUM_THREADS=1
 rm -rf "$out"
@@ -44,7 +45,7 @@ examples/hosts/check.sh examples/hosts/survive.cs mono "$out/program/survive.exe
 
 # Where the system looks.
 rm -r "$out/program/runtimes"
-LD_LIBRARY_PATH=$root/$build/src examples/hosts/check.sh examples/hosts/survive.cs mono "$out/program/survive.exe"
+LD_LIBRARY_PATH=$build/src examples/hosts/check.sh examples/hosts/survive.cs mono "$out/program/survive.exe"
 
 # Without the library the message lists every place.
 if mono "$out/program/survive.exe" >"$out/missing.log" 2>&1; then
