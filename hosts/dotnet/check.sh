@@ -25,6 +25,10 @@ grep '^Tests run' "$out/tests.log"
 # A runner that finds no tests succeeds too.
 grep -qE '^Tests run: [1-9][0-9]+,' "$out/tests.log"
 
+/usr/bin/python3 hosts/dotnet/tests/new_exports.py "$out/further"
+"$out/further/build.sh" none "$out/further/built"
+echo "further exports would find their places"
+
 hosts/dotnet/package.py "$out/lib" "$out/package" "linux-x64=$out/lib"
 unpacked=$out/unpacked
 mkdir "$unpacked"
