@@ -1,5 +1,7 @@
 using System;
 using System.Linq;
+using System.Reflection;
+using System.Runtime.InteropServices;
 using System.Threading;
 using NUnit.Framework;
 
@@ -192,13 +194,41 @@ namespace Orvanth.Core.Math.Tests
             }
         }
 
+        // What the library says of a handle: 0 while it lives.
+        static int Answer(IntPtr handle)
+        {
+            Type native = typeof(RandomStream).Assembly.GetType("Orvanth.Core.Math.Native");
+            return (int)native.GetMethod("SafeRandomUniformInteger", BindingFlags.NonPublic | BindingFlags.Static)
+                .Invoke(null, new object[] { handle, new int[1], 1 });
+        }
+
+        static IntPtr HandleOf(RandomStream stream)
+        {
+            var handle = (SafeHandle)typeof(RandomStream).GetField("stream", BindingFlags.NonPublic | BindingFlags.Instance).GetValue(stream);
+            return handle.DangerousGetHandle();
+        }
+
+        [Test]
+        public void DisposingReleases()
+        {
+            var stream = new RandomStream(1);
+            IntPtr handle = HandleOf(stream);
+            Assert.AreEqual(0, Answer(handle));
+            stream.Dispose();
+            Assert.AreEqual(-1006, Answer(handle));
+        }
+
         [Test]
         public void ForgottenStreamsAreReleased()
         {
-            for (int i = 0; i < 100000; ++i) new RandomStream(i);
+            // On a thread of their own, so that no word of this stack looks like a reference to one of them.
+            var handles = new IntPtr[100];
+            var maker = new Thread(() => { for (int i = 0; i < handles.Length; ++i) handles[i] = HandleOf(new RandomStream(i)); });
+            maker.Start();
+            maker.Join();
             GC.Collect();
             GC.WaitForPendingFinalizers();
-            using (var stream = new RandomStream(1)) Assert.AreEqual(2, stream.Indices(5)[1]);
+            Assert.Less(handles.Count(h => Answer(h) == 0), 10);
         }
     }
 
@@ -236,6 +266,17 @@ namespace Orvanth.Core.Math.Tests
         public void ExceptionsOfTheFunctionPass()
         {
             Assert.Throws<NotSupportedException>(() => new Minimizer().Minimize((x, g) => { throw new NotSupportedException(); }, new[] { 1.0 }));
+        }
+
+        // Each state holds 3.5 MB.
+        [Test]
+        public void StatesAreReleased()
+        {
+            long before = System.Diagnostics.Process.GetCurrentProcess().WorkingSet64;
+            for (int i = 0; i < 100; ++i)
+                Assert.Throws<NotSupportedException>(() => new Minimizer { Corrections = 20 }.Minimize(
+                    (x, g) => { throw new NotSupportedException(); }, new double[10000]));
+            Assert.Less(System.Diagnostics.Process.GetCurrentProcess().WorkingSet64 - before, 150000000);
         }
 
         [Test]
@@ -311,6 +352,19 @@ namespace Orvanth.Core.Math.Tests
             var error = Assert.Throws<CollinearityException>(() => LinearAlgebra.Ols(x, new double[] { 1, 2, 3, 5 }));
             Assert.AreEqual(2, error.Column);
             Assert.AreEqual("OLS: column 3 is collinear with the columns before it", error.Message);
+        }
+
+        [Test]
+        public void TheExportsThemselvesAreThereToo()
+        {
+            var a = new double[] { 1, 2, 3, 2, 4, 6 };
+            MatrixDescriptor design = new MatrixDescriptor(3, 2), column = new MatrixDescriptor(3, 1), two = new MatrixDescriptor(2, 1);
+            // A positive status is an answer: the collinear column, from 1.
+            Assert.AreEqual(2, LinearAlgebra.OLS(a, design, new double[3], column, new double[2], two, new double[2], 1e-7));
+            // A negative one is a failure.
+            design.LeadingDimension = -1;
+            var error = Assert.Throws<ArgumentOutOfRangeException>(() => LinearAlgebra.QR(null, design, new double[2]));
+            Assert.IsNotEmpty(error.Message);
         }
 
         [Test]
