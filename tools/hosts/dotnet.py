@@ -43,17 +43,18 @@ def name_of(argument):
 
 
 @cache
-def prefixes():
-    """The names before PDF, CDF and ICDF, the longest first."""
-    found = {m[1] for e in exports() if table.has_array_form(e) for m in [re.fullmatch(r"(\w+?)(PDF|I?CDF)", e.name)] if m}
+def prefixes(folder):
+    """The names before PDF, CDF and ICDF in a folder, the longest first."""
+    found = {m[1] for e in exports() if e.folder == folder and table.has_array_form(e)
+             for m in [re.fullmatch(r"(\w+?)(PDF|I?CDF)", e.name)] if m}
     return sorted(found, key=lambda p: (-len(p), p))
 
 
 def place(export):
     """(class, method) of an export."""
-    for prefix in prefixes():
+    for prefix in prefixes(export.folder):
         rest = export.name[len(prefix):]
-        if export.name.startswith(prefix) and rest and export.folder != "special":
+        if export.name.startswith(prefix) and rest:
             return CLASSES.get(prefix, prefix), METHODS.get(rest, rest)
     words = export.folder.split("_")
     return FOLDERS.get(export.folder, "".join(w.capitalize() for w in words)), export.name
