@@ -8,6 +8,7 @@ build=(g++ gfortran cmake ninja-build ccache python3 python3-numpy python3-matpl
        libboost-dev libopenblas-dev liblapacke-dev)
 check=(libgtest-dev googletest clang-14 clang-format clang-tidy nlohmann-json3-dev pkg-config binutils)
 hosts=(python3-dev python3-pytest python3-hypothesis python3-pip)
+hosts+=(mono-mcs mono-runtime nunit-console libnunit-framework2.6.3-cil)
 bench=(libbenchmark-dev libgsl-dev r-mathlib r-base-core python3-scipy valgrind)
 
 case "${1:-build}" in
