@@ -812,7 +812,7 @@ ORVANTH_API(double) BinomialCDF(double k, double n, double p, TailFlag tail);
  * BinomialICDF(1, 10, 0.4, 1, 1) = 0
  * @endcode
  * @par Source
- * E. A. Cornish, R. A. Fisher, Moments and cumulants in the specification of distributions, Revue de
+ * E. A. Cornish, R. A. Fisher, Moments and Cumulants in the Specification of Distributions, Revue de
  * l'Institut International de Statistique 5, 1938.
  * G. E. Alefeld, F. A. Potra, Y. Shi, Algorithm 748: Enclosing zeros of continuous functions, ACM
  * Transactions on Mathematical Software 21, 1995.

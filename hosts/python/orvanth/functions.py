@@ -2216,7 +2216,7 @@ def binomial_icdf(probability, n, p, *, roundUp, upper=False, out=None, where=Tr
 
     References
     ----------
-    E. A. Cornish, R. A. Fisher, Moments and cumulants in the specification of distributions, Revue de
+    E. A. Cornish, R. A. Fisher, Moments and Cumulants in the Specification of Distributions, Revue de
     l'Institut International de Statistique 5, 1938.
     G. E. Alefeld, F. A. Potra, Y. Shi, Algorithm 748: Enclosing zeros of continuous functions, ACM
     Transactions on Mathematical Software 21, 1995.

@@ -1071,7 +1071,7 @@ namespace Orvanth.Core.Math
         /// <para>R: qbinom(probability, n, p), the smallest k with P(X &lt;= k) &gt;= P: the result for roundUp set.
         /// SciPy: scipy.stats.binom.ppf(probability, n, p) and .isf, likewise.</para>
         /// <para>Source</para>
-        /// <para>E. A. Cornish, R. A. Fisher, Moments and cumulants in the specification of distributions, Revue de
+        /// <para>E. A. Cornish, R. A. Fisher, Moments and Cumulants in the Specification of Distributions, Revue de
         /// l'Institut International de Statistique 5, 1938.
         /// G. E. Alefeld, F. A. Potra, Y. Shi, Algorithm 748: Enclosing zeros of continuous functions, ACM
         /// Transactions on Mathematical Software 21, 1995.</para>
