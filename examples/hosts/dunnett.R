@@ -12,3 +12,8 @@ statistic <- (sapply(drugs, mean) - mean(control)) / (s * sqrt(1 / lengths(drugs
 lambda <- sqrt(n / (n + length(control)))
 p <- pdunnett(abs(statistic), length(groups), df, lambda, lower.tail = FALSE)
 print(round(cbind(statistic, p), 4))
+invisible("prints:
+  statistic      p
+A    0.8570 0.6201
+B    3.6938 0.0058
+")

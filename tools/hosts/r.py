@@ -14,7 +14,8 @@ from hosts.python import _split, snake
 PACKAGE = ROOT / "hosts" / "r"
 # The names that R or the literature uses; any other law has its own name in lower case.
 LAWS = {"Normal": "norm", "StudentT": "t", "ChiSquared": "chisq", "FisherF": "f", "Binomial": "binom",
-        "Hypergeometric": "hypergeom", "MCa": "tukey", "MCb": "hsu", "MCc": "dunnett"}
+        "Hypergeometric": "hypergeom", "FNCHypergeometric": "fnchypergeom", "MCa": "tukey", "MCb": "hsu",
+        "MCc": "dunnett"}
 IN_BASE = {"norm", "t", "chisq", "f", "beta", "gamma", "binom", "tukey"}  # each with d, p, q, and gamma, beta alone
 # Arguments as base R calls them, by law and by name in the table.
 RENAMED = {("beta", "a"): "shape1", ("beta", "b"): "shape2", ("binom", "n"): "size", ("binom", "p"): "prob",

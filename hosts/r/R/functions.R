@@ -165,10 +165,10 @@ pdunnett <- function(q, k, df, lambda = sqrt(0.5), lower.tail = TRUE)
 qdunnett <- function(p, k, df, lambda = sqrt(0.5), lower.tail = TRUE)
     .Call(C_MCcICDF, list(p, k, df, lambda, lower.tail))
 
-pfnchypergeometric <- function(q, n, m, N, odds, lower.tail = TRUE, accuracy = 0)
+pfnchypergeom <- function(q, n, m, N, odds, lower.tail = TRUE, accuracy = 0)
     .Call(C_FNCHypergeometricCDF, list(floor(q), n, m, N, odds, lower.tail, accuracy))
 
-qfnchypergeometric <- function(p, n, m, N, odds, lower.tail = TRUE, accuracy = 0)
+qfnchypergeom <- function(p, n, m, N, odds, lower.tail = TRUE, accuracy = 0)
     .Call(C_FNCHypergeometricICDF, list(p, n, m, N, odds, lower.tail, accuracy))
 
 fnc_hypergeometric_moments <- function(n, m, N, odds)

@@ -56,7 +56,7 @@ exports <- list(
     MCbICDF = list(name = "qhsu", kinds = "didat", arguments = c("p", "k", "df", "lambda", "lower.tail")),
     MCcCDF = list(name = "pdunnett", kinds = "didat", arguments = c("q", "k", "df", "lambda", "lower.tail")),
     MCcICDF = list(name = "qdunnett", kinds = "didat", arguments = c("p", "k", "df", "lambda", "lower.tail")),
-    FNCHypergeometricCDF = list(name = "pfnchypergeometric", kinds = "iiiidtd", arguments = c("q", "n", "m", "N", "odds", "lower.tail", "accuracy")),
-    FNCHypergeometricICDF = list(name = "qfnchypergeometric", kinds = "diiidtd", arguments = c("p", "n", "m", "N", "odds", "lower.tail", "accuracy")),
+    FNCHypergeometricCDF = list(name = "pfnchypergeom", kinds = "iiiidtd", arguments = c("q", "n", "m", "N", "odds", "lower.tail", "accuracy")),
+    FNCHypergeometricICDF = list(name = "qfnchypergeom", kinds = "diiidtd", arguments = c("p", "n", "m", "N", "odds", "lower.tail", "accuracy")),
     FNCHypergeometricMoments = list(name = "fnc_hypergeometric_moments", kinds = "iiid", arguments = c("n", "m", "N", "odds"))
 )

@@ -314,15 +314,15 @@ test_that("the examples of qdunnett give what the manual says", {
     expect_identical(digits(qdunnett(0.95, 3, 10, lambda = c(0.6, 0.8, 0.5))), "2.57185")
 })
 
-test_that("the examples of pfnchypergeometric give what the manual says", {
-    expect_identical(digits(pfnchypergeometric(12, 17, 28, 41, 1.46, accuracy = 1e-12)), "0.512377")
-    expect_identical(digits(pfnchypergeometric(12, 17, 28, 41, 1.46, lower.tail = FALSE, accuracy = 1e-12)), "0.487623")
-    expect_identical(digits(pfnchypergeometric(3, 17, 28, 41, 1.46, accuracy = 1e-12)), "0")
-    expect_identical(digits(pfnchypergeometric(0, 15, 6, 20, -1, accuracy = 1e-8)), "NaN")
+test_that("the examples of pfnchypergeom give what the manual says", {
+    expect_identical(digits(pfnchypergeom(12, 17, 28, 41, 1.46, accuracy = 1e-12)), "0.512377")
+    expect_identical(digits(pfnchypergeom(12, 17, 28, 41, 1.46, lower.tail = FALSE, accuracy = 1e-12)), "0.487623")
+    expect_identical(digits(pfnchypergeom(3, 17, 28, 41, 1.46, accuracy = 1e-12)), "0")
+    expect_identical(digits(pfnchypergeom(0, 15, 6, 20, -1, accuracy = 1e-8)), "NaN")
 })
 
-test_that("the examples of qfnchypergeometric give what the manual says", {
-    expect_identical(digits(qfnchypergeometric(0.95, 17, 28, 41, 1.46, accuracy = 1e-12)), "15")
-    expect_identical(digits(qfnchypergeometric(0.95, 17, 28, 41, 1.46, lower.tail = FALSE, accuracy = 1e-12)), "10")
-    expect_identical(digits(qfnchypergeometric(0, 10, 8, 15, 2, accuracy = 0)), "3")
+test_that("the examples of qfnchypergeom give what the manual says", {
+    expect_identical(digits(qfnchypergeom(0.95, 17, 28, 41, 1.46, accuracy = 1e-12)), "15")
+    expect_identical(digits(qfnchypergeom(0.95, 17, 28, 41, 1.46, lower.tail = FALSE, accuracy = 1e-12)), "10")
+    expect_identical(digits(qfnchypergeom(0, 10, 8, 15, 2, accuracy = 0)), "3")
 })
