@@ -11,16 +11,17 @@ if [ ! -e "$build/src/libOrvanth.Core.Math.Shield.so" ]; then
     cmake --build --preset dev --target core_math_shield
 fi
 export ORVANTH_INCLUDE=$root/include ORVANTH_LIB=$build/src OPENBLAS_NUM_THREADS=1
-# Nothing here asks the network.
-export _R_CHECK_SYSTEM_CLOCK_=0 _R_CHECK_CRAN_INCOMING_=false
-
 work=$build/r
 rm -rf "$work"
-mkdir -p "$work"
+mkdir -p "$work/no-network/src/contrib"
 cd "$work"
+# Nothing here asks the network: the repository that is looked through for cross-references is an empty folder.
+touch no-network/src/contrib/PACKAGES
+export _R_CHECK_SYSTEM_CLOCK_=0 _R_CHECK_CRAN_INCOMING_=false _R_CHECK_XREFS_REPOSITORIES_=file://$work/no-network
 R CMD build --no-manual "$root/hosts/r" >build.log 2>&1 || { cat build.log; exit 1; }
-R CMD check --no-manual orvanth_*.tar.gz | tee check.log
-tail -1 check.log | grep -q '^Status: OK$' || { echo "R CMD check is not clean, see $work"; exit 1; }
+R CMD check --no-manual orvanth_*.tar.gz >check.log 2>&1 || { cat check.log; exit 1; }
+grep -v ' OK$' check.log
+grep -q '^Status: OK$' check.log || { echo "R CMD check is not clean, see $work"; exit 1; }
 export R_LIBS=$work/orvanth.Rcheck
 Rscript "$root/hosts/r/golden.R" "$root"
 "$root/examples/hosts/check.sh" "$root/examples/hosts/survive.R" Rscript "$root/examples/hosts/survive.R"

@@ -60,7 +60,7 @@ test_that("a value that stands for no result is NaN", {
     expect_true(is.nan(p))
 })
 
-test_that("counts must be whole, and a quantile in between means the one below", {
+test_that("counts must be whole, and a value in between means the count below", {
     expect_warning(p <- pdunnett(2, 3.5, 10), "NaNs produced")
     expect_identical(orvanth_last_error(), "MCcCDF: k = 3.5 is not a whole number")
     expect_identical(pfnchypergeom(12.7, 17, 28, 41, 1.46), pfnchypergeom(12, 17, 28, 41, 1.46))
@@ -104,4 +104,10 @@ test_that("no exported name hides one of base R", {
     for (package in c("base", "stats", "utils", "methods", "graphics", "grDevices"))
         expect_identical(intersect(ours, getNamespaceExports(package)), character(0))
     expect_true(all(vapply(exports, function(e) e$name %in% ours, NA)))
+})
+
+test_that("a NaN that the library does not flag gives the warning too", {
+    expect_warning(g <- orv_gamma(c(-0.5, 5)), "NaNs produced")
+    expect_identical(is.nan(g), c(TRUE, FALSE))
+    expect_identical(orvanth_last_error(), "Gamma: there is no value here")
 })
