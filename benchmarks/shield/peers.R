@@ -7,7 +7,7 @@ best <- function(call, repetitions = 7) {
 }
 # ns an element of a long vector, and ns a call with one number
 elements <- function(f, x) best(function() f(x)) / ( length(x)) * 1e9
-scalar <- function(f, x, calls = if (best(function() f(x), 1) > 1e-4) 200 else 20000) {
+scalar <- function(f, x, calls = if (best(function() for (i in 1:100) f(x), 3) > 0.005) 200 else 20000) {
     best(function() for (i in seq_len(calls)) f(x), 5) / calls * 1e9
 }
 
