@@ -3,6 +3,7 @@
 #include <R_ext/Visibility.h>
 
 #include "each.h"
+#include "handles.h"
 #include "linalg.h"
 
 #define EXPORT(name, kinds, reserved, first, second, ...)                                     \
@@ -17,7 +18,7 @@ static const R_CallMethodDef kRoutines[] = {
 #define EXPORT(name, ...) {#name, (DL_FUNC)&each_##name, 1},
 #include "rows.h"
 #undef EXPORT
-    {"last_error", (DL_FUNC)&last_error, 0}, LINALG_ROUTINES{NULL, NULL, 0}};
+    {"last_error", (DL_FUNC)&last_error, 0}, LINALG_ROUTINES HANDLE_ROUTINES{NULL, NULL, 0}};
 
 attribute_visible void R_init_orvanth(DllInfo* library) {
     R_registerRoutines(library, NULL, kRoutines, NULL, NULL);
