@@ -26,8 +26,8 @@ TAILS = ("tail", "complement")
 EXTRA = {"lower.tail": "\\code{TRUE} for \\eqn{P(X \\le x)}{P(X <= x)}, \\code{FALSE} for \\eqn{P(X > x)}{P(X > x)}.",
          "rate": "1 / scale, an alternative to scale."}
 LAMBDA = " One number stands for as many as are needed; \\code{sqrt(0.5)} is right for groups of equal size."
-RANGE = {"p": "The quantiles are on the scale of the studentised range, as those of \\code{\\link[stats]{ptukey}}: the "
-              "statistic below times sqrt(2)."}
+RANGE = "The quantiles are on the scale of the studentised range, as those of \\code{\\link[stats]{ptukey}}: the " \
+        "statistic below times sqrt(2)."
 
 
 class Function:
@@ -165,9 +165,8 @@ def rd(text):
     return text.replace("\\", "\\\\").replace("%", "\\%").replace("{", "\\{").replace("}", "\\}")
 
 
-def paragraphs(title, text, verbatim):
-    body = "\\preformatted{\n" + rd(text) + "\n}" if verbatim else rd(text)
-    return f"\\subsection{{{title}}}{{\n{body}\n}}"
+def subsection(title, text):
+    return f"\\subsection{{{title}}}{{\n\\preformatted{{\n{rd(text)}\n}}\n}}"
 
 
 def page(group):
@@ -198,15 +197,15 @@ def page(group):
     value = "A list of the vectors " + " and ".join(f"\\code{{{o}}}" for o in outputs) + "." if outputs else \
         "A numeric vector as long as the longest argument, with the attributes of the first argument of that length."
     lines += ["\\value{", value, "Arguments are recycled; NA and NaN pass through. An element that has no value is NaN, "
-              "with the\nwarning \"NaNs produced\"; \\code{\\link{orvanth_last_error}} tells why.", "}", "\\details{"]
-    lines += [RANGE["p"]] if group[0].scaled else []
+              "with the\nwarning \"NaNs produced\"; \\code{\\link{orvanth_last_error}} tells why.", "}"]
+    details = [RANGE] if group[0].scaled else []
     for f in group:
         entry = entries.get(f.export.name)
         for section, heading in (("Formula", "Formula"), ("Edges", "Edges"), ("Failure", "Failure in the library's own terms")):
             text = entry.section(section) if entry else None
             if text:
-                lines.append(paragraphs(f"{heading} ({f.name})" if len(group) > 1 else heading, text, True))
-    lines.append("}")
+                details.append(subsection(f"{heading} ({f.name})" if len(group) > 1 else heading, text))
+    lines += ["\\details{", *details, "}"] if details else []
     sources = list(dict.fromkeys(s for s in ((entries[f.export.name].section("Source") if f.export.name in entries else None)
                                              for f in group) if s))
     if sources:

@@ -6,6 +6,8 @@ orvanth_ols <- function(x, y, tolerance = 1e-9) {
     if (nrow(x) != length(y)) stop("x has ", nrow(x), " rows, and y has ", length(y), " elements")
     if (nrow(x) < ncol(x)) stop("x has ", nrow(x), " rows and ", ncol(x), " columns; at least as many rows are needed")
     if (!all(is.finite(x)) || !all(is.finite(y))) stop("an element of x or y is not finite")
+    if (!is.numeric(tolerance) || length(tolerance) != 1L || is.na(tolerance)) stop("tolerance must be one number")
+    # Whatever LAPACK would refuse is refused above: its xerbla is R's here, which jumps out of the library.
     found <- .Call(C_ols, x, y, as.double(tolerance))
     if (found[[1L]] != 0L) {
         column <- if (found[[1L]] > 0L) found[[1L]] else NA_integer_

@@ -6,10 +6,11 @@
 #include "handles.h"
 #include "linalg.h"
 
-#define EXPORT(name, kinds, reserved, first, second, ...)                                     \
-    static SEXP each_##name(SEXP arguments) {                                                 \
-        const Row row = {#name, Each##name, kinds, reserved, {first, second}, {__VA_ARGS__}}; \
-        return Each(&row, arguments);                                                         \
+#define EXPORT(name, kinds, reserved, first, second, ...)                                       \
+    _Static_assert(sizeof kinds - 1 <= kMostArguments, #name " has more arguments than a row"); \
+    static SEXP each_##name(SEXP arguments) {                                                   \
+        const Row row = {#name, Each##name, kinds, reserved, {first, second}, {__VA_ARGS__}};   \
+        return Each(&row, arguments);                                                           \
     }
 #include "rows.h"
 #undef EXPORT

@@ -24,4 +24,8 @@ test_that("wrong shapes are told", {
     expect_error(orvanth_ols(matrix(1, 2, 3), 1:2), "at least as many rows")
     expect_error(orvanth_ols(matrix(1, 3, 2), 1:2), "3 rows")
     expect_error(orvanth_ols(cbind(c(1, NA, 3)), 1:3), "not finite")
+    expect_error(orvanth_ols(cbind(1:3), 1:3, NaN), "tolerance")
+    expect_error(orvanth_ols(matrix("1", 3, 1), 1:3), "numeric")
+    expect_length(orvanth_ols(matrix(0, 3, 0), 1:3)$coefficients, 0)
+    expect_equal(orvanth_ols(matrix(0, 3, 0), 1:3)$rss, 14)
 })
