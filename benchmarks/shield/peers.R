@@ -1,5 +1,5 @@
 # What R pays: functions of the package orvanth beside those of stats in the same process, in ns of processor time.
-#   R_LIBS=build/dev/r/orvanth.Rcheck Rscript benchmarks/shield/peers.R
+#   R_LIBS=build/bench/r-library Rscript benchmarks/shield/peers.R
 suppressPackageStartupMessages(library(orvanth))
 
 best <- function(call, repetitions = 7) {

@@ -24,9 +24,9 @@ try:
 except orvanth.CollinearityError as error:
     print(error)
 """prints:
-[0.171875         nan 0.62304688]
+[0.171875          nan 0.62304688]
 Error in function boost::math::cdf(binomial_distribution<double> const&, double): Number of Successes argument is 11, but must be <= Number of Trials !
-[2 4 0 0 4]
+[0 2 4 4 3]
 RandomUniformInteger: the handle is 0, which means none
 OLS: column 3 is collinear with the columns before it (dose in grains)
 """

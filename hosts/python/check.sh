@@ -13,8 +13,9 @@ wheels=build/$preset/wheels
 /usr/bin/python3 tools/make_wheel.py "build/$preset/python" "$wheels"
 venv=build/$preset/wheel-venv
 rm -rf "$venv"
-/usr/bin/python3 -m venv --system-site-packages "$venv"
-"$venv/bin/pip" install --quiet --no-index --no-deps "$wheels"/*.whl
+# The system's pip serves the environment.
+/usr/bin/python3 -m venv --system-site-packages --without-pip "$venv"
+"$venv/bin/python" -m pip install --quiet --no-index --no-deps "$wheels"/*.whl
 cd /
 "$OLDPWD/examples/hosts/check.sh" "$OLDPWD/examples/hosts/survive.py" "$OLDPWD/$venv/bin/python" "$OLDPWD/examples/hosts/survive.py"
 "$OLDPWD/$venv/bin/python" -c 'import orvanth; assert "site-packages" in orvanth.__file__, orvanth.__file__'

@@ -51,7 +51,8 @@ double QuantileFromBeta(double tail, double df) {
 // Boost.Math corrects its estimate of t by one step with a derivative that has the factor x^3, and answers wrongly
 // where that underflows.
 bool HasDerivative(double t, double df) {
-    return std::isfinite(t) && std::pow(df / (df + t * t), 3) >= std::numeric_limits<double>::min();
+    const double x = df / (df + t * t);
+    return std::isfinite(t) && x * x * x >= std::numeric_limits<double>::min();
 }
 
 double Quantile(double p, double df) {

@@ -128,7 +128,8 @@ std::int32_t Factorisation::CollinearColumn() {
     }
 
     double* const triangle = room_.first;
-    room_ = {room_.first + kPanelColumns * kPanelColumns, room_.length - kPanelColumns * kPanelColumns};
+    constexpr std::int32_t kTriangle = kPanelColumns * kPanelColumns;
+    room_ = {room_.first + kTriangle, room_.length - kTriangle};
     for (std::int32_t first = 0; first < reflections; first += kPanelColumns) {
         const std::int32_t width = std::min(kPanelColumns, reflections - first);
         const BlockReflector panel{a_.Block(first, first, a_.rows - first, width),

@@ -29,8 +29,8 @@ Scratch<T> AllocateScratch(std::int64_t elements) noexcept {
     const std::size_t bytes = (elements > 0 ? static_cast<std::size_t>(elements) : 0) * sizeof(T);
     void* const block = std::malloc(bytes + kScratchAlignment);
     if (block == nullptr) return nullptr;
-    const auto address = reinterpret_cast<std::uintptr_t>(block);
-    auto* const scratch = reinterpret_cast<void**>((address / kScratchAlignment + 1) * kScratchAlignment);
+    const std::size_t toBoundary = kScratchAlignment - reinterpret_cast<std::uintptr_t>(block) % kScratchAlignment;
+    auto* const scratch = reinterpret_cast<void**>(static_cast<char*>(block) + toBoundary);
     scratch[-1] = block;
     return Scratch<T>(reinterpret_cast<T*>(scratch));
 }

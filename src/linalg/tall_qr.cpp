@@ -12,7 +12,7 @@
 namespace orvanth {
 namespace {
 
-constexpr std::int32_t kMostColumns = 32;
+constexpr std::size_t kMostColumns = 32;
 constexpr std::int32_t kFewestRowsAColumn = 32;
 constexpr std::int64_t kFewestElements = 1 << 17;  // 1 MB: below, the cache holds the design
 
@@ -109,7 +109,7 @@ double FactorTop(const MatrixView& top, std::array<double, kMostColumns>& signs)
 }  // namespace
 
 bool IsTall(const MatrixView& a) noexcept {
-    return a.columns <= kMostColumns && a.rows / kFewestRowsAColumn >= a.columns &&
+    return a.columns <= std::int32_t{kMostColumns} && a.rows / kFewestRowsAColumn >= a.columns &&
            std::int64_t{a.rows} * a.columns >= kFewestElements;
 }
 

@@ -75,9 +75,11 @@ double Probability(const ComparisonStatistic& statistic, double x, double df, bo
         const double lower = StudentisedProbability(statistic, x, df, false);
         return upper ? 1.0 - lower : lower;
     }
-    // Where the upper tail is small its complement has the smaller error.
+    // Where the other tail is small its complement has the smaller error.
     if (!upper && Comparisons(statistic) * SingleUpperTail(statistic, x, df) < 0.1)
         return 1.0 - StudentisedProbability(statistic, x, df, true);
+    if (upper && !nonNegative && SingleUpperTail(statistic, -x, df) < 0.1)
+        return 1.0 - StudentisedProbability(statistic, x, df, false);
     return StudentisedProbability(statistic, x, df, upper);
 }
 

@@ -132,13 +132,7 @@ bool HaveOneSign(const ComparisonStatistic& statistic) {
     return statistic.runs.front().lambda >= 0 || statistic.runs.back().lambda <= 0;
 }
 
-}  // namespace
-
-double UpperNormal(double z) {
-    return boost::math::erfc(ErfReal(z * one_div_root_two<double>()), RefinedPolicy()).value / 2;
-}
-
-double ConditionalProbability(const ComparisonStatistic& statistic, double v, bool upper, LatentStart& start) {
+double TailProbability(const ComparisonStatistic& statistic, double v, bool upper, LatentStart& start) {
     double largest = 0.0, mode = start.mode;
     const auto integrand = [&](double y) {
         const double value = Integrand(statistic, v, upper, y);
@@ -164,6 +158,27 @@ double ConditionalProbability(const ComparisonStatistic& statistic, double v, bo
     const double reached = std::log(std::max(result.difference, 1e-30));
     start = {result.step * std::clamp(std::sqrt(reached / aim), 0.7, 1.2), mode, largest > 0.0};
     return result.value;
+}
+
+}  // namespace
+
+double UpperNormal(double z) {
+    return boost::math::erfc(ErfReal(z * one_div_root_two<double>()), RefinedPolicy()).value / 2;
+}
+
+double ConditionalProbability(const ComparisonStatistic& statistic, double v, bool upper, LatentStarts& starts) {
+    const double comparisons =
+        statistic.kind == ComparisonKind::kAllPairs ? 0.5 * statistic.k * (statistic.k - 1) : statistic.k - 1;
+    const double single = UpperNormal(v) * (statistic.kind == ComparisonKind::kOneSided ? 1 : 2);
+    // All pairs with another coefficient than 1 / sqrt 2 are no distribution: the tails do not add to 1.
+    const bool tailsAddToOne =
+        statistic.kind != ComparisonKind::kAllPairs || std::fabs(statistic.steepest - 1) < 1e-12;
+    // A probability near 1 is the complement of the small one: its own integrand is broad with a small
+    // narrow dip, which the halves do not show.
+    if (tailsAddToOne && upper && single > 0.05) return 1.0 - TailProbability(statistic, v, false, starts.lower);
+    if (tailsAddToOne && !upper && comparisons * single < 0.05)
+        return 1.0 - TailProbability(statistic, v, true, starts.upper);
+    return TailProbability(statistic, v, upper, upper ? starts.upper : starts.lower);
 }
 
 }  // namespace orvanth

@@ -36,8 +36,13 @@ struct LatentStart {
     bool known = false;
 };
 
+struct LatentStarts {
+    LatentStart lower;
+    LatentStart upper;
+};
+
 // P(statistic <= v) or P(statistic > v) at scale 1.
-double ConditionalProbability(const ComparisonStatistic& statistic, double v, bool upper, LatentStart& start);
+double ConditionalProbability(const ComparisonStatistic& statistic, double v, bool upper, LatentStarts& starts);
 
 // erfc(z / sqrt 2) / 2, the upper normal tail.
 double UpperNormal(double z);

@@ -17,7 +17,7 @@ namespace {
 constexpr double kHeavyTailDf = 8.0;
 
 // Accepted difference of the sums over the even and the odd points.
-constexpr double kHalvesAgree = 6e-6;
+constexpr double kHalvesAgree = 2e-6;
 
 // log of 2 (df/2)^(df/2) exp(-df/2) / Gamma(df/2), by Stirling's series from df = 30 on.
 double LogDensityAtOne(double df) {
@@ -76,7 +76,7 @@ double Maximum(const Function& function, double low, double high) {
 }  // namespace
 
 double StudentisedProbability(const ComparisonStatistic& statistic, double x, double df, bool upper) {
-    LatentStart latent;
+    LatentStarts latent;
     if (df >= kKnownScaleDf) return ConditionalProbability(statistic, x, upper, latent);
 
     // Over t = log s, whose density is K exp(df (t - (exp(2t) - 1) / 2)).
