@@ -9,10 +9,10 @@ A host is a module of tools/hosts with a function files() that gives {path: text
 """
 import sys
 
-from hosts import dotnet, python, shield
+from hosts import dotnet, python, r, shield
 from signature_table import ROOT
 
-HOSTS = (shield, python, dotnet)
+HOSTS = (shield, python, dotnet, r)
 
 
 def all_files():

@@ -9,13 +9,14 @@ build=(g++ gfortran cmake ninja-build ccache python3 python3-numpy python3-matpl
 check=(libgtest-dev googletest clang-14 clang-format clang-tidy nlohmann-json3-dev pkg-config binutils)
 hosts=(python3-dev python3-pytest python3-hypothesis python3-pip)
 hosts+=(mono-mcs mono-runtime nunit-console libnunit-framework2.6.3-cil)
+r_host=(r-base-core r-base-dev r-cran-testthat pkg-config)
 bench=(libbenchmark-dev libgsl-dev r-mathlib r-base-core python3-scipy valgrind)
 
 case "${1:-build}" in
     build) wanted=("${build[@]}") ;;
     check) wanted=("${build[@]}" "${check[@]}") ;;
     bench) wanted=("${build[@]}" "${bench[@]}") ;;
-    hosts) wanted=("${build[@]}" "${check[@]}" "${hosts[@]}") ;;
+    hosts) wanted=("${build[@]}" "${check[@]}" "${hosts[@]}" "${r_host[@]}") ;;
     *) echo "install_packages.sh: '$1' is no set of packages; give build, check, hosts or bench" >&2; exit 2 ;;
 esac
 

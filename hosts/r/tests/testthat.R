@@ -1,0 +1,3 @@
+library(testthat)
+library(orvanth)
+test_check("orvanth")
