@@ -17,6 +17,9 @@ rm -rf "$venv"
 /usr/bin/python3 -m venv --system-site-packages --without-pip "$venv"
 "$venv/bin/python" -m pip install --quiet --no-index --no-deps "$wheels"/*.whl
 cd /
-"$OLDPWD/examples/hosts/check.sh" "$OLDPWD/examples/hosts/survive.py" "$OLDPWD/$venv/bin/python" "$OLDPWD/examples/hosts/survive.py"
+for program in survive dunnett; do
+    source=$OLDPWD/examples/hosts/$program.py
+    "$OLDPWD/examples/hosts/check.sh" "$source" "$OLDPWD/$venv/bin/python" "$source"
+done
 "$OLDPWD/$venv/bin/python" -c 'import orvanth; assert "site-packages" in orvanth.__file__, orvanth.__file__'
 echo "the wheel installs and works"

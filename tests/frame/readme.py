@@ -1,8 +1,10 @@
 #!/usr/bin/env python3
 """Runs README.md's first call as printed: installs the library, compiles the program, compares its output.
+Compares the programs that README.md shows with their files, which other tests run.
 
     readme.py BUILD_FOLDER                what is built there is installed in place of building the preset release
     readme.py --build                     builds the preset release too, as the README says
+    readme.py --programs                  compares the programs only
 """
 import os
 import re
@@ -14,11 +16,27 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parents[2]
 
 
-def block(name):
-    found = re.findall(rf"<!-- run: {re.escape(name)} -->\n```\w*\n(.*?)```\n", (ROOT / "README.md").read_text(), re.S)
+def block(name, kind="run"):
+    marked = rf"<!-- {kind}: {re.escape(name)} -->\n```\w*\n(.*?)```\n"
+    found = re.findall(marked, (ROOT / "README.md").read_text(), re.S)
     if len(found) != 1:
-        sys.exit(f"README.md: one block is needed after '<!-- run: {name} -->', there are {len(found)}")
+        sys.exit(f"README.md: one block is needed after '<!-- {kind}: {name} -->', there are {len(found)}")
     return found[0]
+
+
+def compare_programs():
+    """Each program of the test of Dunnett is in README.md, and all say that they print what README.md says."""
+    files = sorted((ROOT / "examples/hosts").glob("dunnett.*"))
+    for file in files:
+        name = str(file.relative_to(ROOT))
+        program, printed = re.split(r"^.*prints:\n", file.read_text(), flags=re.M)
+        if program != block(name, "shown"):
+            sys.exit(f"README.md does not show {name} as it is")
+        if "".join(printed.splitlines(keepends=True)[:-1]) != block("output", "shown"):
+            sys.exit(f"{name} says that it prints something else than README.md")
+    if len(files) != 5:
+        sys.exit(f"five programs are expected, there are {len(files)}")
+    print(f"README.md shows {len(files)} programs as they are")
 
 
 def main(argument):
@@ -47,4 +65,6 @@ def main(argument):
     print("the first call of README.md prints what it says: " + printed.strip())
 
 
-main(sys.argv[1])
+compare_programs()
+if sys.argv[1] != "--programs":
+    main(sys.argv[1])
