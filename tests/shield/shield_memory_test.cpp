@@ -9,20 +9,18 @@
 #include "orvanth/shield.h"
 #include "support/heap.hpp"
 
+#if defined(ORVANTH_HEAP_IS_PLAIN)  // not under a sanitizer, which has a heap of its own
+
 namespace {
 
 thread_local bool heapIsExhausted = false;
 
-#if defined(ORVANTH_HEAP_IS_PLAIN)
 struct Exhausted {
     Exhausted() { heapIsExhausted = true; }
     ~Exhausted() { heapIsExhausted = false; }
 };
-#endif
 
 }  // namespace
-
-#if defined(ORVANTH_HEAP_IS_PLAIN)
 
 // The program's own malloc takes the place of the C library's, in the libraries as well.
 extern "C" void* __libc_malloc(std::size_t);
