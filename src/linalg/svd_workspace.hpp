@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 
 namespace orvanth {
 
@@ -15,6 +16,8 @@ enum class SvdVectors : char { kAll = 'A', kThin = 'S' };
 constexpr std::int64_t SvdWorkLength(SvdVectors vectors, std::int32_t m, std::int32_t n) noexcept {
     const std::int64_t smaller = std::min(m, n), larger = std::max(m, n);
     if (smaller <= 0) return 1;
+    // Far beyond 32 bits. Four squares of 2^31 would not fit 64 bits.
+    if (smaller >= std::int64_t{1} << 30) return std::numeric_limits<std::int64_t>::max();
     const std::int64_t bidiagonal = 3 * smaller * smaller + 4 * smaller;
     // From this ratio of the dimensions on, dgesdd begins with a QR or LQ factorisation.
     if (larger < smaller * 11 / 6) return 3 * smaller + std::max(larger, bidiagonal);
