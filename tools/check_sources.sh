@@ -25,9 +25,9 @@ while read -r lines file; do
     [ "$lines" -le 400 ] || { echo "$file has $lines lines; split it at 400"; status=1; }
 done < <(git ls-files 'src/*.cpp' 'src/*.hpp' 'tests/*.cpp' 'tools/*' | xargs wc -l | grep -v ' total$')
 
-# A text stands by itself: it speaks of no paper that its reader lacks and of no folder of one machine.
+# A text stands by itself: it speaks of no paper that its reader lacks.
 hits=$(git ls-files | grep -vE '^(third_party/|tests/data/|THIRD_PARTY_NOTICES|tools/check_sources)' |
-       xargs -d '\n' grep -nIiP '(?<!ffp-)\bcontracts?\b|/home/|/root/|"/tmp/' || true)
+       xargs -d '\n' grep -nIiP '(?<!ffp-)\bcontracts?\b' || true)
 [ -z "$hits" ] || { echo "say 'interface' or the fact itself; name no paper that a reader does not have:"; echo "$hits"; status=1; }
 
 # Tools, tests and benchmarks import no example; what they share is in tools/ or tests/support.
