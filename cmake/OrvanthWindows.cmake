@@ -12,6 +12,10 @@ endforeach()
 set(Boost_NO_BOOST_CMAKE ON)
 set(Boost_INCLUDE_DIR ${orvanth_headers} CACHE PATH "Folder of boost")
 
+# The run-time libraries of the compiler are linked in: what is built needs DLLs of the system only. A target with the
+# property ORVANTH_SHARED_RUNTIME takes them as DLLs, which then have to be found when it is loaded.
+add_link_options("$<$<NOT:$<BOOL:$<TARGET_PROPERTY:ORVANTH_SHARED_RUNTIME>>>:-static>")
+
 # orvanth_dll(<target> <version script>): the target becomes a DLL that exports the names of the version script, with a
 # version resource and import libraries for mingw-w64 (.dll.a) and for the linker of Visual C++ (.lib).
 function(orvanth_dll target version_script)
@@ -31,7 +35,7 @@ function(orvanth_dll target version_script)
     DEPENDS ${definition})
   add_custom_target(${target}_import_library ALL DEPENDS ${import_library})
   target_sources(${target} PRIVATE ${definition} ${resource})
-  target_link_options(${target} PRIVATE $<$<CONFIG:Release>:-s>)
+  target_link_options(${target} PRIVATE $<$<CONFIG:Release>:-s> -Wl,-Map=${PROJECT_BINARY_DIR}/src/${library}.map)
   set_target_properties(${target} PROPERTIES
     PREFIX "" RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/src ARCHIVE_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/src
     LINK_DEPENDS ${definition} ORVANTH_IMPORT_LIBRARY ${import_library})

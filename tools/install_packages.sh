@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing for building, testing and the tour. Needs root only if something is missing.
-#   tools/install_packages.sh build|check|hosts|bench
+#   tools/install_packages.sh build|check|hosts|bench|windows
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -10,6 +10,8 @@ check=(libgtest-dev googletest clang-14 clang-format clang-tidy nlohmann-json3-d
 hosts=(python3-dev python3-pytest python3-hypothesis python3-pip)
 hosts+=(mono-mcs mono-runtime nunit-console libnunit-framework2.6.3-cil)
 r_host=(r-base-core r-base-dev r-cran-testthat pkg-config)
+windows=(g++-mingw-w64-{x86-64,i686}-posix gfortran-mingw-w64-{x86-64,i686}-posix wine wine64 debootstrap
+         googletest nlohmann-json3-dev)
 bench=(libbenchmark-dev libgsl-dev r-mathlib r-base-core python3-scipy valgrind)
 
 case "${1:-build}" in
@@ -17,7 +19,8 @@ case "${1:-build}" in
     check) wanted=("${build[@]}" "${check[@]}") ;;
     bench) wanted=("${build[@]}" "${bench[@]}") ;;
     hosts) wanted=("${build[@]}" "${check[@]}" "${hosts[@]}" "${r_host[@]}") ;;
-    *) echo "install_packages.sh: '$1' is no set of packages; give build, check, hosts or bench" >&2; exit 2 ;;
+    windows) wanted=("${build[@]}" "${windows[@]}") ;;
+    *) echo "install_packages.sh: '$1' is no set of packages; give build, check, hosts, bench or windows" >&2; exit 2 ;;
 esac
 
 stop() { printf 'install_packages.sh: %s\n' "$@" >&2; exit 1; }

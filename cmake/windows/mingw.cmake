@@ -15,6 +15,6 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 
-# The run-time libraries of the compiler are linked in: what is built needs DLLs of the system only.
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-static")
-set(CMAKE_SHARED_LINKER_FLAGS_INIT "-static")
+# What is built is run by Wine: cmake/windows/win64.cmake and win32.cmake say in which width.
+get_filename_component(orvanth_wine ${CMAKE_CURRENT_LIST_DIR}/../../tools/windows/wine.sh ABSOLUTE)
+set(CMAKE_CROSSCOMPILING_EMULATOR ${orvanth_wine};${ORVANTH_WIDTH})
