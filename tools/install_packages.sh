@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing for building, testing and the tour. Needs root only if something is missing.
-#   tools/install_packages.sh build|check|hosts|bench
+#   tools/install_packages.sh build|check|hosts|bench|browser
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -11,13 +11,16 @@ hosts=(python3-dev python3-pytest python3-hypothesis python3-pip)
 hosts+=(mono-mcs mono-runtime nunit-console libnunit-framework2.6.3-cil)
 r_host=(r-base-core r-base-dev r-cran-testthat pkg-config)
 bench=(libbenchmark-dev libgsl-dev r-mathlib r-base-core python3-scipy valgrind)
+browser=(nodejs chromium)
+command -v npm >/dev/null || browser+=(npm)  # other packages of nodejs than Debian's bring npm with them
 
 case "${1:-build}" in
     build) wanted=("${build[@]}") ;;
     check) wanted=("${build[@]}" "${check[@]}") ;;
     bench) wanted=("${build[@]}" "${bench[@]}") ;;
     hosts) wanted=("${build[@]}" "${check[@]}" "${hosts[@]}" "${r_host[@]}") ;;
-    *) echo "install_packages.sh: '$1' is no set of packages; give build, check, hosts or bench" >&2; exit 2 ;;
+    browser) wanted=("${browser[@]}") ;;
+    *) echo "install_packages.sh: '$1' is no set of packages; give build, check, hosts, bench or browser" >&2; exit 2 ;;
 esac
 
 stop() { printf 'install_packages.sh: %s\n' "$@" >&2; exit 1; }
