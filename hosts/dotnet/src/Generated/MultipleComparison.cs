@@ -20,7 +20,7 @@ namespace Orvanth.Core.Math
             /// <returns>the probability.</returns>
             /// <remarks>
             /// <para>Formula</para>
-            /// <code>F(x) = integral over s &gt; 0 of f(s) C(x s), f the density of sqrt(chi-squared / df),
+            /// <code>F(x) = integral over s &gt; 0 of f(s) C(x s) ds, f the density of sqrt(chi-squared / df),
             /// C(v) = k integral of phi(y) [Phi(c a y) - Phi(c (a y - v))]^(k-1) dy, a = lambda_0,
             /// c = 1/sqrt(1 - a^2).
             /// F(x) = P(max over i &lt; j of |T_ij| &lt;= x).</code>
@@ -153,7 +153,7 @@ namespace Orvanth.Core.Math
             /// <returns>the probability.</returns>
             /// <remarks>
             /// <para>Formula</para>
-            /// <code>F(x) = integral over s &gt; 0 of f(s) C(x s), f the density of sqrt(chi-squared / df),
+            /// <code>F(x) = integral over s &gt; 0 of f(s) C(x s) ds, f the density of sqrt(chi-squared / df),
             /// C(v) = integral of phi(y) product over j &lt; k-1 of Phi(c_j (lambda_j y + v)) dy,
             /// c_j = 1/sqrt(1 - lambda_j^2).
             /// F(x) = P(max over j of T_j &lt;= x).</code>
@@ -285,7 +285,7 @@ namespace Orvanth.Core.Math
             /// <returns>the probability.</returns>
             /// <remarks>
             /// <para>Formula</para>
-            /// <code>F(x) = integral over s &gt; 0 of f(s) C(x s), f the density of sqrt(chi-squared / df),
+            /// <code>F(x) = integral over s &gt; 0 of f(s) C(x s) ds, f the density of sqrt(chi-squared / df),
             /// C(v) = integral of phi(y) product over j &lt; k-1 of D_j dy,
             /// D_j = Phi(c_j (lambda_j y + v)) - Phi(c_j (lambda_j y - v)), c_j = 1/sqrt(1 - lambda_j^2).
             /// F(x) = P(max over j of |T_j| &lt;= x).</code>
