@@ -28,7 +28,7 @@
 
 #if defined(_WIN32)
 #if defined(ORVANTH_BUILDING_SHIELD)
-#define ORVANTH_SHIELD_API(result) ORVANTH_EXTERN_C __declspec(dllexport) result __cdecl
+#define ORVANTH_SHIELD_API(result) ORVANTH_EXTERN_C result __cdecl
 #else
 #define ORVANTH_SHIELD_API(result) ORVANTH_EXTERN_C __declspec(dllimport) result __cdecl
 #endif

@@ -35,7 +35,7 @@ HEADER_TOP = """\
 
 #if defined(_WIN32)
 #if defined(ORVANTH_BUILDING_SHIELD)
-#define ORVANTH_SHIELD_API(result) ORVANTH_EXTERN_C __declspec(dllexport) result __cdecl
+#define ORVANTH_SHIELD_API(result) ORVANTH_EXTERN_C result __cdecl
 #else
 #define ORVANTH_SHIELD_API(result) ORVANTH_EXTERN_C __declspec(dllimport) result __cdecl
 #endif
