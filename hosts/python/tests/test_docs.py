@@ -14,6 +14,8 @@ PLACES = {**{f"ufunc {n}": f for n, f in orvanth.ufuncs.items()},
           **{f"function {n}": getattr(orvanth, n) for n in orvanth.functions.__all__},
           **{f"linalg.{n}": getattr(orvanth.linalg, n) for n in orvanth.linalg.__all__ if n != "OLSResult"},
           **{f"random.{n}": getattr(orvanth.random, n) for n in orvanth.random.__all__},
+          **{f"stats.{n}": getattr(orvanth.stats, n) for n in orvanth.stats.__all__
+             if inspect.isfunction(getattr(orvanth.stats, n))},
           "minimize": orvanth.minimize, "last_error": orvanth.last_error}
 
 

@@ -1,0 +1,70 @@
+"""The plots of results. matplotlib is needed here and nowhere else."""
+import numpy as np
+
+INSIDE, OUTSIDE, MUTED, BAND = "#1f5fa8", "#c23b22", "#56606d", "#dce8f5"
+
+
+def axes(ax=None, rows=None):
+    """The axes to draw on: the given ones, or those of a new figure high enough for ``rows`` lines."""
+    try:
+        import matplotlib.pyplot as plt
+    except ImportError:
+        raise ImportError("plots need matplotlib: install python3-matplotlib (Debian) or matplotlib (pip)") from None
+    if ax is not None:
+        return ax
+    height = 4.0 if rows is None else 1.5 + 0.4 * max(rows, 2)
+    return plt.subplots(figsize=(6.4, height), constrained_layout=True)[1]
+
+
+def _lines(ax, names, title, label):
+    """Named horizontal lines, the first one at the top, with 0 marked."""
+    ax.set_yticks(range(len(names)), names)
+    ax.set_ylim(len(names) - 0.5, -0.5)
+    ax.axvline(0, color=MUTED, linestyle=":", zorder=0)
+    ax.set_xlabel(label)
+    ax.set_title(title, fontsize="medium")
+    for side in ("top", "right"):
+        ax.spines[side].set_visible(False)
+    return ax
+
+
+def _interval(ax, y, low, high, colour):
+    """An interval with its ends; an infinite end is an arrow at the edge."""
+    left, right = ax.get_xlim()
+    ends = max(low, left), min(high, right)
+    ax.plot(ends, (y, y), color=colour, linewidth=2, solid_capstyle="butt")
+    ax.plot([e for e in (low, high) if np.isfinite(e)], [y] * int(np.isfinite([low, high]).sum()), "|", color=colour,
+            markersize=10, markeredgewidth=2)
+    for end, mark, there in ((low, "<", left), (high, ">", right)):
+        if np.isinf(end):
+            ax.plot(there, y, mark, color=colour, clip_on=False)
+
+
+def _range(ax, values):
+    values = np.append(np.asarray(values, dtype=float).ravel(), 0.0)
+    values = values[np.isfinite(values)]
+    margin = 0.08 * (np.ptp(values) or 1.0)
+    ax.set_xlim(values.min() - margin, values.max() + margin)
+
+
+def intervals(ax, rows, title, label):
+    """Rows are (name, estimate, p, low, high); an interval that leaves 0 out is red."""
+    rows = list(rows)
+    ax = axes(ax, len(rows))
+    _range(ax, [(r[1], r[3], r[4]) for r in rows])
+    for y, (_, estimate, _, low, high) in enumerate(rows):
+        colour = OUTSIDE if low > 0 or high < 0 else INSIDE
+        _interval(ax, y, low, high, colour)
+        ax.plot(estimate, y, "o", color=colour)
+    return _lines(ax, [r[0] for r in rows], title, label)
+
+
+def with_the_best(ax, rows, may, best, title):
+    """Rows are (name, estimate, p, low, high); groups that cannot be the best are red."""
+    ax = axes(ax, len(rows))
+    _range(ax, [(r[1], r[3], r[4]) for r in rows])
+    for y, ((_, estimate, _, low, high), possible) in enumerate(zip(rows, np.atleast_1d(may))):
+        colour = INSIDE if possible else OUTSIDE
+        _interval(ax, y, low, high, colour)
+        ax.plot(estimate, y, "o", color=colour)
+    return _lines(ax, [r[0] for r in rows], title, f"mean less {best} mean of the others; red: not the best")
