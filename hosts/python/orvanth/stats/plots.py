@@ -68,3 +68,56 @@ def with_the_best(ax, rows, may, best, title):
         _interval(ax, y, low, high, colour)
         ax.plot(estimate, y, "o", color=colour)
     return _lines(ax, [r[0] for r in rows], title, f"mean less {best} mean of the others; red: not the best")
+
+
+def empirical(ax, x, half, cdf, place, title):
+    """The steps of sorted observations with a band of half-width ``half``, and a distribution function."""
+    ax = axes(ax)
+    margin = 0.1 * (x[-1] - x[0] or 1.0)
+    ends = x[0] - margin, x[-1] + margin
+    steps = np.arange(len(x) + 1.0) / len(x)
+    at, heights = np.concatenate([[ends[0]], x, [ends[1]]]), np.append(steps, 1.0)
+    ax.fill_between(at, np.clip(heights - half, 0, 1), np.clip(heights + half, 0, 1), step="post", color=BAND,
+                    label="band")
+    ax.step(at, heights, where="post", color=OUTSIDE, label="sample")
+    grid = np.linspace(*ends, 400)
+    ax.plot(grid, cdf(grid), color=INSIDE, label="distribution")
+    ax.axvline(place, color=MUTED, linestyle=":", label="largest distance")
+    ax.set_xlim(*ends)
+    ax.set_ylim(-0.02, 1.02)
+    ax.set_ylabel("probability")
+    ax.set_title(title, fontsize="medium")
+    ax.legend(fontsize="small", loc="best", frameon=False)
+    for side in ("top", "right"):
+        ax.spines[side].set_visible(False)
+    return ax
+
+
+def distribution(ax, values, statistic, interval, title):
+    """A histogram of resampled statistics with their interval."""
+    ax = axes(ax)
+    ax.hist(values, bins=min(60, max(10, int(np.sqrt(len(values))))), color=BAND, edgecolor=INSIDE, linewidth=0.4)
+    ax.axvline(statistic, color=INSIDE, label="statistic")
+    for end, label in ((interval.low, "interval"), (interval.high, None)):
+        ax.axvline(end, color=OUTSIDE, linestyle="--", label=label)
+    ax.set_xlabel("statistic")
+    ax.set_ylabel("resamples")
+    ax.set_title(title, fontsize="medium")
+    ax.legend(fontsize="small", frameon=False)
+    for side in ("top", "right"):
+        ax.spines[side].set_visible(False)
+    return ax
+
+
+def power(ax, sizes, values, errors, title):
+    """Power against size, with twice the standard error of the simulation."""
+    ax = axes(ax)
+    ax.errorbar(sizes, values, yerr=2 * errors, fmt="o-", color=INSIDE, capsize=3)
+    ax.axhline(0.8, color=MUTED, linestyle=":")
+    ax.set_ylim(0, 1.02)
+    ax.set_xlabel("observations in each group")
+    ax.set_ylabel("power")
+    ax.set_title(title, fontsize="medium")
+    for side in ("top", "right"):
+        ax.spines[side].set_visible(False)
+    return ax
