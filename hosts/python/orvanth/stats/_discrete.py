@@ -71,7 +71,7 @@ def increasing_roots(function, start, widest=700.0):
         at_low, at_high, step = function(low), function(high), 2 * step
     a, b, c = high, low, high
     fa, fb, fc = at_high, at_low, at_high
-    part = np.full(np.shape(a), 0.5)
+    part, root, done = np.full(np.shape(a), 0.5), np.full(np.shape(a), np.nan), np.zeros(np.shape(a), dtype=bool)
     for _ in range(200):
         x = a + part * (b - a)
         fx = function(x)
@@ -83,11 +83,14 @@ def increasing_roots(function, start, widest=700.0):
         best, at_best = np.where(smaller, a, b), np.where(smaller, fa, fb)
         with np.errstate(divide="ignore", invalid="ignore"):
             least = 2e-16 * (np.abs(best) + 1) / np.abs(b - a)
-            if ((least > 0.5) | (at_best == 0) | np.isnan(fx)).all():
+            # An element that has its root keeps it, so that its bits depend on no other one.
+            ends = (least > 0.5) | (at_best == 0) | np.isnan(fx)
+            root, done = np.where(ends & ~done, best, root), done | ends
+            if done.all():
                 break
             xi, phi = (a - b) / (c - b), (fa - fb) / (fc - fb)
             quadratic = (phi * phi < xi) & ((1 - phi) ** 2 < 1 - xi)
             guess = fa / (fb - fa) * fc / (fb - fc) + (c - a) / (b - a) * fa / (fc - fa) * fb / (fc - fb)
         part = np.clip(np.where(quadratic & np.isfinite(guess), guess, 0.5), np.minimum(least, 0.5),
                        1 - np.minimum(least, 0.5))
-    return best
+    return root

@@ -40,7 +40,7 @@ class KstestResult:
     Attributes
     ----------
     statistic : D, the largest distance between the empirical distribution and the given one
-    pvalue : exact
+    pvalue : from the law of D for this number of observations
     statistic_location : the observation at which the distance is largest
     statistic_sign : 1 if the empirical distribution is above the given one there, -1 if it is below
     """
@@ -74,7 +74,7 @@ class KstestResult:
     def __str__(self):
         rows = [("observations", int(first(self._size, 0))), ("D", first(self.statistic, 0)),
                 ("at", first(self.statistic_location, 0)), ("p-value", first(self.pvalue, 0))]
-        return heading("Kolmogorov's test, two-sided, exact", np.shape(self.pvalue)) + "\n" + table(("", "value"), rows)
+        return heading("Kolmogorov's test, two-sided", np.shape(self.pvalue)) + "\n" + table(("", "value"), rows)
 
     __repr__ = __str__
 
@@ -84,7 +84,7 @@ class KstestResult:
         single_data_set(np.shape(self.statistic), "test one of them")
         x = self._ordered[:int(self._size)]
         return plots.empirical(ax, x, float(self._half(confidence_level)), self._cdf, float(self.statistic_location),
-                               f"empirical distribution with its exact {percent(confidence_level)} band")
+                               f"empirical distribution with its {percent(confidence_level)} band")
 
 
 def _distribution(cdf, args):
@@ -119,8 +119,9 @@ def ks_1samp(x, cdf, args=(), alternative="two-sided", method="exact", axis=-1, 
 
     Notes
     -----
-    The p-value is that of the finite sample at every size; ``kolmogorov_cdf`` says how accurate it is. It does not
-    hold for a distribution whose parameters were estimated from the same sample.
+    The p-value is that of a sample of this size, never of the limit of large ones: exact up to 140 observations
+    (relative error below 2e-10), above them by a series whose error is below 0.06 / n^2, and by the exact one-sided tail
+    where p is below 0.03. It does not hold for a distribution whose parameters were estimated from the same sample.
 
     Examples
     --------
@@ -129,7 +130,7 @@ def ks_1samp(x, cdf, args=(), alternative="two-sided", method="exact", axis=-1, 
     >>> import numpy as np
     >>> from orvanth import stats
     >>> print(stats.ks_1samp(np.linspace(-15, 15, 9), "normal", args=(0, 1)))
-    Kolmogorov's test, two-sided, exact
+    Kolmogorov's test, two-sided
                    value
     observations       9
     D             0.4444

@@ -157,13 +157,16 @@ def ols(x, y, names=None, intercept=True, axis=-1, nan_policy="propagate", toler
         design, responses = np.nan_to_num(design), np.full(responses.shape, np.nan)
     else:
         linalg.ols(design, np.zeros(m), tolerance, names)  # names a redundant term
-    fit = _fit(design, responses, intercept)
-    return OLSResult(names, *(a.reshape(*shape, *a.shape[1:])[()] if isinstance(a, np.ndarray) and a.ndim and i != 12 else a
-                              for i, a in enumerate(fit)))
+    result = _fit(names, design, responses, intercept)
+    for name in ("coefficients", "standard_errors", "tvalues", "pvalues", "residuals"):
+        setattr(result, name, getattr(result, name).reshape(*shape, -1))
+    for name in ("residual_standard_error", "r_squared", "adjusted_r_squared", "fvalue", "f_pvalue"):
+        setattr(result, name, getattr(result, name).reshape(shape)[()])
+    return result
 
 
-def _fit(design, responses, intercept):
-    """The fields of an OLSResult after ``names``, for responses of shape (count, m)."""
+def _fit(names, design, responses, intercept):
+    """The result for responses of shape (count, m)."""
     m, p = design.shape
     q, r = linalg.qr(design)
     inverse = linalg.solve_triangular(r, np.eye(p))
@@ -182,5 +185,5 @@ def _fit(design, responses, intercept):
         adjusted = 1 - (1 - r2) * (m - bool(intercept)) / df
         f = (total - rss) / model / variance if model else np.full(len(rss), np.nan)
         f_tail = np.where(np.isinf(f), 0.0, _ufuncs.FisherFCDF(np.maximum(f, 0), model, df, 1)) if model else f
-    return (coefficients, errors, t, tails, residuals, df, np.sqrt(variance), r2, adjusted, f, f_tail, model,
-            inverse @ inverse.T)
+    return OLSResult(names, coefficients, errors, t, tails, residuals, df, np.sqrt(variance), r2, adjusted, f, f_tail, model,
+                     inverse @ inverse.T)

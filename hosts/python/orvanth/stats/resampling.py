@@ -108,7 +108,7 @@ def bootstrap(data, statistic, *, n_resamples=9999, batch=None, vectorized=None,
 
     >>> import numpy as np
     >>> from orvanth import stats
-    >>> result = stats.bootstrap([94, 197, 16, 38, 99, 141, 23], np.mean, seed=1)
+    >>> result = stats.bootstrap([94, 197, 16, 38, 99, 141, 23], np.mean, seed=0)
     >>> print(f"{result.statistic:.2f} {result.standard_error:.0f}")
     86.86 23
     """
@@ -136,7 +136,7 @@ def bootstrap(data, statistic, *, n_resamples=9999, batch=None, vectorized=None,
             count = min(batch, n_resamples - begin)
             indices = [[stream.indices(n) for n in (sizes[:1] if paired else sizes)] for _ in range(count)]
             chosen = [np.array([i[0 if paired else j] for i in indices]) for j in range(len(samples))]
-            parts.append(np.moveaxis(np.asarray(call(*(s[..., c] for s, c in zip(samples, chosen)))), -1, -1))
+            parts.append(np.asarray(call(*(s[..., c] for s, c in zip(samples, chosen)))))
     distribution = np.concatenate(parts, axis=-1)
     observed = np.asarray(call(*samples))[()]
     error = distribution.std(axis=-1, ddof=1)[()] if n_resamples > 1 else np.full(np.shape(observed), np.nan)[()]
