@@ -392,7 +392,7 @@ class HsuMCBResult:
         level = self.confidence_level if confidence_level is None else confidence_level
         single_data_set(self.df.shape, "compare one of them")
         return plots.with_the_best(ax, list(self._rows(level)), self.may_be_best(level), self.best,
-                                   f"comparison with the best, simultaneous {percent(level)} intervals")
+                                   f"comparison with the best, {percent(level)}\nred: not the best")
 
 
 def hsu_mcb(*samples, best="largest", axis=-1, nan_policy="propagate", confidence_level=0.95, names=None):

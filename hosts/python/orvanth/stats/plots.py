@@ -67,7 +67,7 @@ def with_the_best(ax, rows, may, best, title):
         colour = INSIDE if possible else OUTSIDE
         _interval(ax, y, low, high, colour)
         ax.plot(estimate, y, "o", color=colour)
-    return _lines(ax, [r[0] for r in rows], title, f"mean less {best} mean of the others; red: not the best")
+    return _lines(ax, [r[0] for r in rows], title, f"less the {best} mean of the others")
 
 
 def empirical(ax, x, half, cdf, place, title):
@@ -86,6 +86,7 @@ def empirical(ax, x, half, cdf, place, title):
     ax.set_xlim(*ends)
     ax.set_ylim(-0.02, 1.02)
     ax.set_ylabel("probability")
+    ax.set_xlabel("observation")
     ax.set_title(title, fontsize="medium")
     ax.legend(fontsize="small", loc="best", frameon=False)
     for side in ("top", "right"):
