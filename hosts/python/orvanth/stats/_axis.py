@@ -16,10 +16,7 @@ class Samples:
     values: list
     names: list
     omit: bool
-
-    @property
-    def shape(self):
-        return np.broadcast_shapes(*(v.shape[:-1] for v in self.values))
+    shape: tuple  # of the data sets
 
     @property
     def batch(self):
@@ -28,7 +25,8 @@ class Samples:
     def moments(self):
         """(sizes, means, sums of squares about the means), each of shape (..., groups)."""
         found = [moments(v, self.omit) for v in self.values]
-        return [np.stack([np.broadcast_to(f[i], self.shape) for f in found], axis=-1) for i in range(3)]
+        return [np.stack([f[i] if f[i].shape == self.shape else np.broadcast_to(f[i], self.shape) for f in found], axis=-1)
+                for i in range(3)]
 
 
 def moments(values, omit):
@@ -87,13 +85,12 @@ def samples(arguments, axis, nan_policy, names, test, needed=2):
     if sum(v.shape[-1] for v in values) <= len(values):
         raise ValueError(f"{test} estimates a variance within groups: more observations than groups are needed, "
                          f"not {sum(v.shape[-1] for v in values)} in {len(values)} groups")
-    made = Samples(values, names, nan_policy == "omit")
     try:
-        made.shape
+        shape = np.broadcast_shapes(*(v.shape[:-1] for v in values))
     except ValueError:
         shapes = ", ".join(str(v.shape[:-1]) for v in values)
         raise ValueError(f"the samples hold different numbers of data sets: {shapes}") from None
-    return made
+    return Samples(values, names, nan_policy == "omit", shape)
 
 
 def _items(argument, axis):
