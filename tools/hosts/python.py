@@ -191,7 +191,7 @@ def native():
 def stubs():
     lines = [f"# {table.MARK}", "from typing import Any", "", "import numpy as np",
              "from numpy.typing import ArrayLike, NDArray", "",
-             "from . import linalg as linalg", "from . import random as random",
+             "from . import linalg as linalg", "from . import random as random", "from . import stats as stats",
              "from .errors import ArgumentError as ArgumentError", "from .errors import CollinearityError as CollinearityError",
              "from .errors import last_error as last_error", "from .optimize import OptimizeResult as OptimizeResult",
              "from .optimize import minimize as minimize", "from .random import RandomStream as RandomStream", "",

@@ -6,6 +6,7 @@ from numpy.typing import ArrayLike, NDArray
 
 from . import linalg as linalg
 from . import random as random
+from . import stats as stats
 from .errors import ArgumentError as ArgumentError
 from .errors import CollinearityError as CollinearityError
 from .errors import last_error as last_error
