@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing for building, testing and the tour. Needs root only if something is missing.
-#   tools/install_packages.sh build|check|hosts|bench|docs|site
+#   tools/install_packages.sh build|check|hosts|bench|browser|docs|site
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -11,18 +11,19 @@ hosts=(python3-dev python3-pytest python3-hypothesis python3-pip)
 hosts+=(mono-mcs mono-runtime nunit-console libnunit-framework2.6.3-cil)
 r_host=(r-base-core r-base-dev r-cran-testthat pkg-config)
 bench=(libbenchmark-dev libgsl-dev r-mathlib r-base-core python3-scipy valgrind)
+browser=(nodejs chromium)
+command -v npm >/dev/null || browser+=(npm)  # other packages of nodejs than Debian's bring npm with them
 docs=(python3-sphinx furo python3-myst-parser python3-sphinx-copybutton python3-sphinx-inline-tabs libjs-mathjax python3-scipy)
-site=(chromium python3-dask)
-command -v npm >/dev/null || site+=(nodejs npm)
 
 case "${1:-build}" in
     build) wanted=("${build[@]}") ;;
     check) wanted=("${build[@]}" "${check[@]}") ;;
     bench) wanted=("${build[@]}" "${bench[@]}") ;;
     hosts) wanted=("${build[@]}" "${check[@]}" "${hosts[@]}" "${r_host[@]}") ;;
+    browser) wanted=("${browser[@]}") ;;
     docs) wanted=("${build[@]}" "${docs[@]}") ;;
-    site) wanted=("${build[@]}" "${check[@]}" "${hosts[@]}" "${r_host[@]}" "${docs[@]}" "${site[@]}") ;;
-    *) echo "install_packages.sh: '$1' is no set of packages; give build, check, hosts, bench, docs or site" >&2; exit 2 ;;
+    site) wanted=("${build[@]}" "${check[@]}" "${hosts[@]}" "${r_host[@]}" "${docs[@]}" "${browser[@]}" python3-dask) ;;
+    *) echo "install_packages.sh: '$1' is no set of packages; give build, check, hosts, bench, browser, docs or site" >&2; exit 2 ;;
 esac
 
 stop() { printf 'install_packages.sh: %s\n' "$@" >&2; exit 1; }

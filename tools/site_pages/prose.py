@@ -65,7 +65,7 @@ def formula(entry):
     pieces = entry.formula_pieces()
     if len(pieces) == 1 and pieces[0][0]:
         return f"$$\n{tex(pieces[0][1])}\n$$"
-    text = "".join(f"\0{tex(t)}\1" if mathematics else inline(t, entry.name) for mathematics, t in pieces)
+    text = "".join(f"\x02{tex(t)}\x03" if mathematics else inline(t, entry.name) for mathematics, t in pieces)
     # A line that is one formula is a display; elsewhere sums, integrals and fractions keep their full height.
-    text = re.sub(r"^\0([^\0\1]*)\1(\.?)$", r"\n$$\n\1\2\n$$\n", text, flags=re.M)
-    return re.sub(r"\0([^\0\1]*)\1", r"$\\displaystyle \1$", text)
+    text = re.sub(r"^\x02([^\x03]*)\x03(\.?)$", r"\n$$\n\1\2\n$$\n", text, flags=re.M)
+    return re.sub(r"\x02([^\x03]*)\x03", r"$\\displaystyle \1$", text)
