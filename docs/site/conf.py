@@ -23,7 +23,7 @@ highlight_language = "text"
 mathjax_path = "mathjax/MathJax.js?config=TeX-AMS_CHTML"
 mathjax2_config = {"tex2jax": {"inlineMath": [["\\(", "\\)"]], "displayMath": [["\\[", "\\]"]],
                                "processClass": "math", "ignoreClass": "document"},
-                   "showMathMenu": False, "messageStyle": "none", "jax": ["input/TeX", "output/CommonHTML"],
+                   "displayAlign": "left", "displayIndent": "1em", "showMathMenu": False, "messageStyle": "none", "jax": ["input/TeX", "output/CommonHTML"],
                    "CommonHTML": {"linebreaks": {"automatic": True}}}
 
 html_theme = "furo"

@@ -21,20 +21,21 @@ def shown(file):
     return re.split(r"^.*prints:$", file.read_text(), flags=re.M)[0].rstrip()
 
 
-def printed(task):
-    """What all programs of a task print."""
+def printed(task, file):
+    """What a program prints: the text beside it, or the lines at its end."""
     text = ROOT / "docs" / "site" / "examples" / f"{task}.txt"
     if text.exists():
         return text.read_text().rstrip()
-    source = next(file for _, _, file in sources(task) if "prints:" in file.read_text())
-    return re.sub(r'(?:"""|\*/|"\))\s*$', "", re.split(r"^.*prints:$", source.read_text(), flags=re.M)[1]).strip()
+    said = re.split(r"^.*prints:$", file.read_text(), flags=re.M)[1]
+    return re.sub(r'\n(?:"""|\*/|"\))\s*$', "", said).strip("\n")
 
 
 def tabs(task, only=None):
-    """The programs as tabs, and their output."""
-    parts = []
-    for language, lexer, file in sources(task):
-        if only is None or language == only:
-            code = f"```{lexer}\n{shown(file)}\n```"
-            parts.append(code if only else f"````{{tab}} {language}\n{code}\n````")
-    return "\n".join(parts) + f"\n\n{'It prints' if only else 'Each of them prints'}\n\n```text\n{printed(task)}\n```"
+    """The programs as tabs, or the one of a language, and their output."""
+    chosen = [source for source in sources(task) if only in (None, source[0])]
+    outputs = {printed(task, file) for _, _, file in chosen}
+    if len(outputs) != 1:
+        raise ValueError(f"the programs of '{task}' print different things and cannot share a page")
+    blocks = [(language, f"```{lexer}\n{shown(file)}\n```") for language, lexer, file in chosen]
+    code = blocks[0][1] if only else "\n".join(f"````{{tab}} {name}\n{text}\n````" for name, text in blocks)
+    return f"{code}\n\n{'It prints' if only else 'Each of them prints'}\n\n```text\n{outputs.pop()}\n```"
