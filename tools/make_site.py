@@ -13,7 +13,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-from site_pages import plots, prose, reference
+from site_pages import plots, programs, reference
 from signature_table import ROOT
 
 BUILD = ROOT / "build" / "docs"
@@ -68,6 +68,11 @@ def page_of(file):
     return None
 
 
+def with_programs(text):
+    """{programs} TASK [LANGUAGE]: the programs of a task in tabs, or the one of a language, and their output."""
+    return re.sub(r"^\{programs\} (\S+) ?(\S*)$", lambda m: programs.tabs(m[1], m[2] or None), text, flags=re.M)
+
+
 def with_plots(text, path, made):
     """{plot} NAME CAPTION: the plot for light and for dark pages, with its alternative text and the caption."""
     def replace(match):
@@ -89,9 +94,7 @@ def collect(made):
     for file in sorted((ROOT / "docs" / "site").rglob("*")):
         inside = file.relative_to(ROOT / "docs" / "site")
         if file.suffix == ".md":
-            texts[str(inside)] = file.read_text()
-        elif inside.parts[0] == "examples":
-            put(PAGES / inside, file.read_text())
+            texts[str(inside)] = with_programs(file.read_text())
     for path, text in texts.items():
         put(PAGES / path, with_plots(text, path, made))
     for file in [*sorted((ROOT / "docs").glob("*.md")), *sorted((ROOT / "docs" / "accuracy").glob("*.md")),

@@ -23,7 +23,7 @@ highlight_language = "text"
 mathjax_path = "mathjax/MathJax.js?config=TeX-AMS_CHTML"
 mathjax2_config = {"tex2jax": {"inlineMath": [["\\(", "\\)"]], "displayMath": [["\\[", "\\]"]],
                                "processClass": "math", "ignoreClass": "document"},
-                   "showMathMenu": False, "messageStyle": "none", "jax": ["input/TeX", "output/CommonHTML"],
+                   "displayAlign": "left", "displayIndent": "1em", "showMathMenu": False, "messageStyle": "none", "jax": ["input/TeX", "output/CommonHTML"],
                    "CommonHTML": {"linebreaks": {"automatic": True}}}
 
 html_theme = "furo"
@@ -34,7 +34,7 @@ html_js_files = ["site.js"]
 html_copy_source = False
 html_show_sphinx = False
 html_theme_options = {"navigation_with_keys": True}
-pygments_style = "sphinx"
-pygments_dark_style = "monokai"
+pygments_style = "xcode"
+pygments_dark_style = "github-dark"
 copybutton_prompt_text = r">>> |\.\.\. |\$ "
 copybutton_prompt_is_regexp = True

@@ -19,7 +19,7 @@ def inline(text, here="", prefix=""):
     def replace(match):
         word = match[0]
         if word.startswith("docs/"):
-            return f"[{escape(word)}]({'../' if not prefix else ''}{word[len('docs/'):]})"
+            return f"[]({'../' if not prefix else ''}{word[len('docs/'):]})"
         if word.startswith("`"):
             return word
         if word in NAMES and word != here and word not in AMBIGUOUS:
@@ -50,13 +50,14 @@ def blocks(text, here="", prefix=""):
 
 
 def sentences(text, here=""):
-    """A list where the text has several lines that end a sentence, otherwise one paragraph."""
+    """A list where lines end with a sentence or a sentence begins with a case ('x = 0: '), otherwise one paragraph."""
     items = [""]
     for line in text.splitlines():
         items[-1] += (" " if items[-1] else "") + line
         if line.endswith("."):
             items.append("")
-    items = [inline(item, here) for item in items if item]
+    case = r"(?<=\.) (?=[\w, ]{1,20} (?:=|<|>|<=|>=) [^:.]{1,40}: )"
+    items = [inline(piece, here) for item in items if item for piece in re.split(case, item)]
     return items[0] if len(items) == 1 else "\n".join("- " + item for item in items)
 
 
@@ -65,7 +66,7 @@ def formula(entry):
     pieces = entry.formula_pieces()
     if len(pieces) == 1 and pieces[0][0]:
         return f"$$\n{tex(pieces[0][1])}\n$$"
-    text = "".join(f"\0{tex(t)}\1" if mathematics else inline(t, entry.name) for mathematics, t in pieces)
+    text = "".join(f"\x02{tex(t)}\x03" if mathematics else inline(t, entry.name) for mathematics, t in pieces)
     # A line that is one formula is a display; elsewhere sums, integrals and fractions keep their full height.
-    text = re.sub(r"^\0([^\0\1]*)\1(\.?)$", r"\n$$\n\1\2\n$$\n", text, flags=re.M)
-    return re.sub(r"\0([^\0\1]*)\1", r"$\\displaystyle \1$", text)
+    text = re.sub(r"^\x02([^\x03]*)\x03(\.?)$", r"\n$$\n\1\2\n$$\n", text, flags=re.M)
+    return re.sub(r"\x02([^\x03]*)\x03", r"$\\displaystyle \1$", text)
