@@ -37,7 +37,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaPDF(x, a, b);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -86,7 +86,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaCDF(x, a, b, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -138,7 +138,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaICDF(p, a, b, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -191,7 +191,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeChiSquaredPDF(x, df);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -237,7 +237,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeChiSquaredCDF(x, df, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -287,7 +287,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeChiSquaredICDF(p, df, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -339,7 +339,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeFisherFPDF(x, df1, df2);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -388,7 +388,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeFisherFCDF(x, df1, df2, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -443,7 +443,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeFisherFICDF(p, df1, df2, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -498,7 +498,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaPDF(x, shape, scale);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -547,7 +547,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaCDF(x, shape, scale, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -599,7 +599,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaICDF(p, shape, scale, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -652,7 +652,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeNormalPDF(x, mean, sd);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -702,7 +702,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeNormalCDF(x, mean, sd, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -752,7 +752,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeNormalICDF(p, mean, sd, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -804,7 +804,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeStudentTPDF(x, df);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -851,7 +851,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeStudentTCDF(x, df, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -901,7 +901,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeStudentTICDF(p, df, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -959,7 +959,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBinomialPDF(k, n, p);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1014,7 +1014,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBinomialCDF(k, n, p, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1081,7 +1081,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBinomialICDF(probability, n, p, (int)tail, roundUp ? 1 : 0);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1144,7 +1144,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBinomialPS(alpha, successes, trials, boundSelector);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1212,7 +1212,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeHypergeometricPDF(x, r, n, N);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1277,7 +1277,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeHypergeometricCDF(x, r, n, N, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1340,7 +1340,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeHypergeometricICDF(p, r, n, N, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
