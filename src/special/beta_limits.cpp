@@ -48,7 +48,8 @@ double RegularizedBetaLimit(double a, double b, double x, bool complement) {
         const double v = -LogScale(b, a) * std::log1p(-x);
         return complement ? RegularizedGammaQ(a, v) : RegularizedGammaP(a, v);
     }
-    if (std::isinf(a) || std::isinf(b)) return kNaN;
+    if (std::isinf(a) && std::isinf(b)) return kNaN;
+    if (std::isinf(a) || std::isinf(b)) return std::isinf(b) != complement ? 1 : 0;
     const double mean = 1 / (1 + b / a);
     const double z = (x - mean) / std::sqrt(mean / (1 + a / b) / (a + b));
     return ErfCValue((complement ? z : -z) / std::numbers::sqrt2) / 2;

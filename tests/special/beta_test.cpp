@@ -125,6 +125,17 @@ TEST(Beta, LimitsOfHugeParametersJoinTheGeneralForm) {
     EXPECT_EQ(BetaRegularized(1e100, 1e100, 0.4), 0);
 }
 
+TEST(Beta, OneInfiniteParameterPutsTheMassAtAnEnd) {
+    for (double other : {0.3, 60.0, 3.2792006278212911e39, 1e307})
+        for (double x : {1e-300, 0.5, 0.999}) {
+            EXPECT_EQ(BetaRegularized(kInfinity, other, x), 0) << other;
+            EXPECT_EQ(BetaRegularizedC(kInfinity, other, x), 1) << other;
+            EXPECT_EQ(BetaRegularized(other, kInfinity, x), 1) << other;
+            EXPECT_EQ(BetaRegularizedC(other, kInfinity, x), 0) << other;
+        }
+    EXPECT_TRUE(std::isnan(BetaRegularized(kInfinity, kInfinity, 0.5)));
+}
+
 TEST(Beta, AgreesWithFiftyDigits) {
     std::mt19937_64 random(kSeed);
     std::uniform_real_distribution<double> exponent(-2, 2.3), unit(0.001, 0.999);
