@@ -33,7 +33,7 @@ ORVANTH_API(double) FisherFPDF(double x, double df1, double df2) {
     const double sum = v + df2, square = sum * sum, product = df1 * df2;
     // They leave the range for tiny and for huge degrees of freedom.
     const bool inRange = square >= std::numeric_limits<double>::min() && square <= kLargest && product <= kLargest;
-    return density * (inRange ? product / square : df1 / sum * (df2 / sum));
+    return Narrow(density * (inRange ? product / square : df1 / sum * (df2 / sum)), kFunction);
 }
 
 ORVANTH_API(double) FisherFCDF(double x, double df1, double df2, TailFlag tail) {

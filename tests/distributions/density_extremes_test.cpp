@@ -37,6 +37,12 @@ TEST(DensityExtremes, GammaOfAHugeShapeOrVariate) {
     ExpectUnmarked(0, [] { return GammaPDF(23, 0.0032242021723508461, 1.1125369292536007e-308); });
 }
 
+TEST(DensityExtremes, GammaBeyondTheLargestDoubleIsMarked) {
+    const auto call = CallWithErrno(7, [] { return GammaPDF(5e-324, 0.025185886335678222, 3.0701708656531826e-10); });
+    EXPECT_EQ(call.value, kInfinity);
+    EXPECT_EQ(call.errnoAfter, 34);
+}
+
 TEST(DensityExtremes, BetaOfTinyParameters) {
     ExpectUnmarked(8.3388506328150482e-315,
                    [] { return BetaPDF(0.9999999994075135, 1.1438006329258989e-310, 5e-324); });

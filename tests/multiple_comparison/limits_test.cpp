@@ -47,6 +47,15 @@ TEST(MCDegreesOfFreedom, SoFewThatTheScaleUnderflowsGiveZero) {
                     EXPECT_EQ(family.cumulative(x, k, df, kEqualGroups.data(), 0), 0) << df << ' ' << x << ' ' << k;
 }
 
+TEST(MCDegreesOfFreedom, AQuantileOfTheFewestIsBeyondTheLargestDouble) {
+    for (const Family& family : kFamilies)
+        for (std::int32_t k : {2, 7})
+            EXPECT_NE(ThrownText<std::overflow_error>([&] {
+                          family.quantile(0.7, k, 5e-324, kEqualGroups.data(), 0);
+                      }).find("Overflow Error"),
+                      std::string::npos);
+}
+
 // The number of groups.
 
 TEST(MCGroups, ANegativeNumberThrowsBadAlloc) {
