@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing for building, testing and the tour. Needs root only if something is missing.
-#   tools/install_packages.sh build|check|hosts|bench
+#   tools/install_packages.sh build|check|hosts|bench|coverage
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -16,8 +16,9 @@ case "${1:-build}" in
     build) wanted=("${build[@]}") ;;
     check) wanted=("${build[@]}" "${check[@]}") ;;
     bench) wanted=("${build[@]}" "${bench[@]}") ;;
+    coverage) wanted=("${build[@]}" "${check[@]}" gcovr) ;;
     hosts) wanted=("${build[@]}" "${check[@]}" "${hosts[@]}" "${r_host[@]}") ;;
-    *) echo "install_packages.sh: '$1' is no set of packages; give build, check, hosts or bench" >&2; exit 2 ;;
+    *) echo "install_packages.sh: '$1' is no set of packages; give build, check, hosts, bench or coverage" >&2; exit 2 ;;
 esac
 
 stop() { printf 'install_packages.sh: %s\n' "$@" >&2; exit 1; }
