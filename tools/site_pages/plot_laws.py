@@ -37,7 +37,7 @@ def pair(stem, folder="distributions"):
 @plot("law-normal", "Density and distribution function of the normal distribution: the mean moves the bell, the standard "
       "deviation widens it.", pair("Normal"))
 def normal(core):
-    return curves(core, np.linspace(-6, 8, 281), "NormalPDF", "NormalCDF",
+    return curves(core, np.linspace(-8, 7, 301), "NormalPDF", "NormalCDF",
                   [("mean 0, sd 1", (0, 1)), ("mean 0, sd 2", (0, 2)), ("mean 3, sd 1", (3, 1))], "x")
 
 

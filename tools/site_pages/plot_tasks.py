@@ -26,7 +26,7 @@ def intervals(rows, x, height):
     """Named intervals, one below the other; those that leave out 0 are filled."""
     figure, axis = axes(height=height)
     for i, (name, centre, low, high) in enumerate(reversed(rows)):
-        away = low > 0 or high < 0
+        away = low > 0 or high <= 0
         colour = COLOURS[1 if away else 0]
         axis.plot([low, high], [i, i], color=colour, linewidth=3, solid_capstyle="butt")
         axis.plot(centre, i, "D" if away else "o", color=colour, markersize=9)
@@ -38,7 +38,7 @@ def intervals(rows, x, height):
     return figure
 
 
-@plot("dunnett", "Intervals of two drugs against the control: drug 1 from -1.6 to 2.9 includes 0, drug 2 from 0.9 to 5.1 does not.")
+@plot("dunnett", "Intervals of two drugs against the control: drug 1 from -1.3 to 2.6 includes 0, drug 2 from 0.8 to 4.4 does not.")
 def dunnett(core):
     values, df, s = pooled(numbers("dunnett", "groups"))
     n = np.array([len(v) for v in values], dtype=float)

@@ -2,10 +2,14 @@
 
 A module plot_*.py registers its plots with @plot(name, text). The text is what a reader hears who does not see the plot.
 """
+import hashlib
 import importlib
 import multiprocessing
 import os
 import re
+from pathlib import Path
+
+from signature_table import ROOT
 
 # A palette for colour-blind readers, with enough contrast on a light page; series differ in line style or marker too.
 COLOURS = ["#0063a5", "#b34700", "#00755a", "#8a3b7a", "#5c5c5c"]
@@ -79,6 +83,13 @@ def _draw(task):
         file.write(re.sub("|".join(DARK), lambda m: DARK[m[0]], text))
 
 
+def _state(library):
+    sources = [Path(library), *Path(__file__).parent.glob("plot*.py"), ROOT / "docs" / "benchmarks.md",
+               *sorted((ROOT / "tests" / "data" / "accuracy").glob("*.tsv")), *sorted((ROOT / "docs" / "site" / "examples").glob("*.py"))]
+    parts = b"".join(hashlib.sha256(path.read_bytes()).digest() for path in sources)
+    return hashlib.sha256(parts + repr({name: text for name, (_, text) in _plots.items()}).encode()).hexdigest()
+
+
 def make_all(library, folder):
     """{name of the plot: its alternative text}; the files are NAME-light.svg and NAME-dark.svg."""
     for module in MODULES:
@@ -86,9 +97,16 @@ def make_all(library, folder):
         if hasattr(made, "prepare"):
             made.prepare(library)
     os.makedirs(folder, exist_ok=True)
+    texts = {name: text for name, (_, text) in _plots.items()}
+    # Drawn again only if the library, the data or the drawing changed.
+    stamp, wanted = os.path.join(folder, "stamp"), _state(library)
+    if os.path.exists(stamp) and open(stamp).read() == wanted:
+        return texts
     for old in os.listdir(folder):
         os.remove(os.path.join(folder, old))
     with multiprocessing.get_context("fork").Pool(2) as pool:
         for _ in pool.imap_unordered(_draw, [(name, library, folder) for name in _plots], chunksize=4):
             pass
-    return {name: text for name, (_, text) in _plots.items()}
+    with open(stamp, "w") as file:
+        file.write(wanted)
+    return texts
