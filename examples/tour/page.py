@@ -1,13 +1,11 @@
 """The report: what a section says goes to the terminal and to one self-contained HTML page."""
 import html
-import io
 import math
-import re
 import sys
 from pathlib import Path
 
 from listing import Listing, marked
-from palette import plt, variables, with_variables
+from palette import drawing, plt, variables
 
 DATA = Path(__file__).resolve().parents[2] / "tests" / "data"
 NARROW = (4.8, 3.4)  # inches of one panel where panels stand below each other
@@ -186,10 +184,5 @@ class Page:
 
     @staticmethod
     def _svg(figure, kind, label):
-        buffer = io.StringIO()
-        figure.savefig(buffer, format="svg", metadata={"Date": None})
-        svg = buffer.getvalue()
-        svg = re.sub(r"\s*<metadata>.*?</metadata>|<style .*?</style>", "", svg[svg.index("<svg"):], flags=re.S)
-        # Identifiers are unique on the page although each figure numbers its own.
-        svg = re.sub(r'(id="|href="#|url\(#)', lambda m: f"{m[1]}{label}-{kind}-", svg)
-        return with_variables(svg).replace("<svg ", f'<svg class={kind} role=img aria-labelledby={label} ', 1)
+        svg = drawing(figure, f"{label}-{kind}")
+        return svg.replace("<svg ", f"<svg class={kind} role=img aria-labelledby={label} ", 1)

@@ -1,5 +1,6 @@
 """The colours of the report, each for light and for dark mode. Plots name a colour of the light column; on the page it
 becomes a variable of the style sheet. The blues and the red are told apart with any kind of colour vision."""
+import io
 import re
 
 import matplotlib
@@ -36,8 +37,14 @@ plt.rcParams.update({
 _VARIABLES = {light: name for name, (light, _) in PALETTE.items()} | {"#000000": "ink"}
 
 
-def with_variables(svg):
-    """The drawing with the colours of the palette as variables; other colours stay as they are."""
+def drawing(figure, prefix, **options):
+    """The figure as an SVG element. Colours of the palette are variables; identifiers begin with the prefix, because each
+    figure numbers its own."""
+    buffer = io.StringIO()
+    figure.savefig(buffer, format="svg", metadata={"Date": None}, **options)
+    svg = buffer.getvalue()
+    svg = re.sub(r"\s*<metadata>.*?</metadata>|<style .*?</style>", "", svg[svg.index("<svg"):], flags=re.S)
+    svg = re.sub(r'(id="|href="#|url\(#)', lambda m: f"{m[1]}{prefix}-", svg)
     return re.sub(r"(?<=: )#[0-9a-f]{6}\b", lambda m: f"var(--{_VARIABLES[m[0]]})" if m[0] in _VARIABLES else m[0], svg)
 
 
