@@ -9,6 +9,14 @@
 #define ORVANTH_THREAD_LOCAL thread_local
 #endif
 
+// A mutex is ready before any code runs. With winpthreads it is made when the DLL is loaded, which is before any
+// call.
+#if defined(_WIN32)
+#define ORVANTH_CONSTINIT_MUTEX
+#else
+#define ORVANTH_CONSTINIT_MUTEX constinit
+#endif
+
 // g++ compiles such a loop kernel twice and chooses by the processor when the library is loaded. The bits agree:
 // contraction is off, and vector lanes only take elements that are independent. clang compiles it once.
 #if defined(__ELF__) && defined(__x86_64__) && !defined(__clang__) && !defined(__SANITIZE_ADDRESS__) && \
@@ -28,8 +36,9 @@
 #endif
 
 // For the few kernels that use vectors of eight doubles by name. They are compiled for AVX-512 whatever the target of
-// the build is, and are called only where HasWideVectors() is true.
-#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__)
+// the build is, and are called only where HasWideVectors() is true. g++ for Windows has none of them: the stack is
+// aligned to 16 bytes there, and it stores vectors on it as if it were aligned to 64.
+#if defined(__ELF__) && defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__)
 #define ORVANTH_WIDE_VECTORS __attribute__((target("avx512f,avx512dq,avx512vl,prefer-vector-width=512")))
 namespace orvanth {
 inline bool HasWideVectors() {

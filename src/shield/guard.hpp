@@ -14,6 +14,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "frame/platform.hpp"
 #include "orvanth/core_math.h"
 #include "orvanth/shield.h"
 #include "shield/last_failure.hpp"
@@ -24,7 +25,7 @@ namespace orvanth::shield {
 inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 // One for the whole process: the exports that use the library's working storage take it.
-extern constinit std::mutex workspaceLock;
+extern ORVANTH_CONSTINIT_MUTEX std::mutex workspaceLock;
 
 // A result and what the out-pointers got, compared with the value that stands for "no result".
 inline bool IsReserved(const Facts& facts, double value) {

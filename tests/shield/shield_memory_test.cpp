@@ -30,9 +30,9 @@ namespace {
 
 TEST(ShieldMemory, WithoutAHeapTheExportsThatNeedOneSaySo) {
     const double lambda[] = {0.5, 0.5, 0.5};
-    double result = 0, a[] = {1, 2, 3, 5}, s[2], u[4], vt[4];
+    double result = 0, refined = 0, a[] = {1, 2, 3, 5}, s[2], u[4], vt[4];
     const MatrixDescriptor square{0, 2, 2, 2};
-    std::int32_t status[4], info = 0;
+    std::int32_t status[5], info = 0;
     const char* text = nullptr;
     bool sameText = true;
     {
@@ -51,8 +51,10 @@ TEST(ShieldMemory, WithoutAHeapTheExportsThatNeedOneSaySo) {
         status[2] = LastStatus();
         SafeCreateRandomStream(1);
         status[3] = LastStatus();
+        refined = SafeRefinedMCcICDF(0.5, 3, 10, lambda, 0);
+        status[4] = LastStatus();
     }
-    EXPECT_TRUE(std::isnan(result));
+    EXPECT_TRUE(std::isnan(result) && std::isnan(refined));
     EXPECT_TRUE(sameText);
     EXPECT_EQ(info, ORVANTH_NO_MEMORY);
     for (std::int32_t one : status) EXPECT_EQ(one, ORVANTH_STATUS_MEMORY);

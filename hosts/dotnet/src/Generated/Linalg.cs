@@ -347,7 +347,7 @@ namespace Orvanth.Core.Math
         /// <remarks>
         /// <para>The form of C. Nobody tests that an array without a descriptor is as long as its text says.</para>
         /// <para>Formula</para>
-        /// <code>A = Q R by Householder reflections in the order of the columns, and x = R^-1 times the first n rows
+        /// <code>A = Q R by Householder reflections in the order of the columns, and x is R^-1 times the first n rows
         /// of Q' b. Column i stops the call when tolerance times its own length is at least the length of the
         /// part of it that is orthogonal to columns 1 to i - 1. A column of zeros counts as of length 1 here.</code>
         /// <para>Edges</para>

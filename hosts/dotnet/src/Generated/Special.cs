@@ -621,8 +621,8 @@ namespace Orvanth.Core.Math
         /// <para>Memory</para>
         /// <para>None.</para>
         /// <para>Accuracy</para>
-        /// <para>Relative 1e-9 or better for a and b from 1e-12 to 1e12; limit distributions stand in beyond
-        /// (docs/accuracy/exports.md).</para>
+        /// <para>Relative 1e-9 or better (docs/accuracy/exports.md). Limit distributions stand in for a or b above
+        /// 1e12.</para>
         /// <para>Equivalents</para>
         /// <para>R: qbeta(p, a, b)
         /// SciPy: scipy.special.betaincinv(a, b, p)</para>

@@ -1,0 +1,9 @@
+"""The plots of the pages."""
+
+
+def of_page(name):
+    return ()
+
+
+def make_all(library, folder):
+    return {}
