@@ -24,7 +24,9 @@ std::string Printed(Function function) {
     testing::internal::CaptureStdout();
     function();
     _gfortran_flush_i4(nullptr);
-    return testing::internal::GetCapturedStdout();
+    std::string text = testing::internal::GetCapturedStdout();
+    std::erase(text, '\r');  // Fortran ends a line on Windows with two characters
+    return text;
 }
 
 TEST(Output, SoundRunsPrintNothing) {
