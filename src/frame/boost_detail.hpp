@@ -31,6 +31,11 @@ inline double IncompleteGammaPrefix(double a, double x) {
     return boost::math::detail::full_igamma_prefix(a, x, LateOverflowPolicy());
 }
 
+// The same over Gamma(a).
+inline double GammaPrefix(double a, double x) {
+    return boost::math::detail::regularised_gamma_prefix(a, x, DefaultPolicy(), boost::math::lanczos::lanczos13m53());
+}
+
 // a times the series that makes the lower incomplete gamma function of the prefix, and the fraction that makes the
 // upper one.
 inline double LowerGammaSeries(double a, double x) {
@@ -73,6 +78,26 @@ double SearchDiscreteQuantile(const Distribution& distribution, double p, bool u
                                                              iterations);
 }
 
+// The form in which Boost.Math's public functions hand DefaultPolicy on to the private ones.
+using InnerPolicy = bmp::normalise<DefaultPolicy, bmp::promote_float<false>, bmp::promote_double<false>,
+                                   bmp::discrete_quantile<>, bmp::assert_undefined<>>::type;
+
 }  // namespace orvanth
+
+// Where the public functions call these parts of the incomplete beta function, those of special/beta_parts.cpp are
+// taken, with the same bits.
+namespace boost::math::detail {
+
+template <>
+double ibeta_power_terms(double a, double b, double x, double y, const lanczos::lanczos13m53&, bool normalised,
+                         const orvanth::InnerPolicy&, double prefix, const char* function);
+template <>
+double ibeta_series(double a, double b, double x, double start, const lanczos::lanczos13m53&, bool normalised,
+                    double* derivative, double y, const orvanth::InnerPolicy&);
+template <>
+double beta_small_b_large_a_series(double a, double b, double x, double y, double start, double factor,
+                                   const orvanth::InnerPolicy&, bool normalised);
+
+}  // namespace boost::math::detail
 
 #endif
