@@ -37,6 +37,31 @@ double LanczosQuotient(double a, double b) {
 
 double OddFactorial(unsigned n) { return boost::math::unchecked_factorial<double>(2 * n + 1); }
 
+double Log1p(double x) { return boost::math::log1p(x, DefaultPolicy()); }
+
+// base^exponent for base = 1 + l.
+double PowerNearOne(double base, double l, double exponent) {
+    return std::fabs(l) < 0.1 ? std::exp(exponent * Log1p(l)) : std::pow(base, exponent);
+}
+
+// ln((1 + l1)^a (1 + l2)^b) where one power is large and the other small: one is moved into the base of the other.
+double LogOfOpposed(double a, double b, double l1, double l2) {
+    const double ratio = b / a;
+    if (a < b ? ratio * l2 < 0.1 : l1 / ratio > 0.1) {
+        const double l3 = boost::math::expm1(ratio * Log1p(l2), DefaultPolicy());
+        return a * Log1p(l1 + l3 + l3 * l1);
+    }
+    const double l3 = boost::math::expm1(Log1p(l1) / ratio, DefaultPolicy());
+    return b * Log1p(l2 + l3 + l3 * l2);
+}
+
+// x^a exp(-x) / Gamma(a). Half of all tails of Student's t need Gamma(1/2), so it is kept.
+double PrefixOfGamma(double a, double x) {
+    if (a != 0.5 || !(x >= 0 && x <= std::numeric_limits<double>::max() / 2)) return GammaPrefix(a, x);
+    static const double gammaOfHalf = UncheckedGamma(0.5);
+    return std::pow(x, a) * std::exp(-x) / gammaOfHalf;
+}
+
 // One division instruction for both quotients.
 using Pair = double __attribute__((vector_size(16)));
 
@@ -44,15 +69,21 @@ using Pair = double __attribute__((vector_size(16)));
 
 std::optional<double> FastBetaPowerTerms(double a, double b, double x, double y, double factor) {
     const double as = Shifted(a), bs = Shifted(b), cs = Shifted(a + b);
-    constexpr double kNearMode = 0.2;
+    const auto leading = [=] {
+        const double quotient = LanczosQuotient(a, b) * factor;
+        return quotient * std::sqrt(bs / std::numbers::e) * std::sqrt(as / cs);
+    };
+    // The bases of the two powers are 1 + l1 and 1 + l2.
     const double l1 = (x * b - y * as) / as, l2 = (y * a - x * bs) / bs;
-    if (std::min(std::fabs(l1), std::fabs(l2)) < kNearMode) return {};
     const double first = x * cs / as, second = y * cs / bs;
+    if (std::min(std::fabs(l1), std::fabs(l2)) < 0.2) {
+        if (l1 * l2 > 0 || std::min(a, b) < 1)
+            return leading() * PowerNearOne(first, l1, a) * PowerNearOne(second, l2, b);
+        if (std::max(std::fabs(l1), std::fabs(l2)) < 0.5) return leading() * std::exp(LogOfOpposed(a, b, l1, l2));
+        return {};
+    }
     if (!IsPowerInRange(first, a) || !IsPowerInRange(second, b)) return {};
-    double result = LanczosQuotient(a, b) * factor;
-    result *= std::sqrt(bs / std::numbers::e);
-    result *= std::sqrt(as / cs);
-    return result * (std::pow(first, a) * std::pow(second, b));
+    return leading() * (std::pow(first, a) * std::pow(second, b));
 }
 
 std::optional<double> FastBetaSeriesFactor(double a, double b, double x) {
@@ -61,7 +92,7 @@ std::optional<double> FastBetaSeriesFactor(double a, double b, double x) {
     if (!IsPowerInRange(second, b - 0.5) || !IsPowerInRange(first, a)) return {};
     double result = LanczosQuotient(a, b);
     if (a * b < bs * 10)
-        result *= std::exp((b - 0.5) * boost::math::log1p(a / bs, DefaultPolicy()));
+        result *= std::exp((b - 0.5) * Log1p(a / bs));
     else
         result *= std::pow(second, b - 0.5);
     result *= std::pow(first, a);
@@ -102,9 +133,9 @@ std::optional<double> UpperGammaFromPrefix(double a, double x, double prefix) {
 double SumLargeShapeSeries(double a, double b, double x, double y, double start, double factor) {
     constexpr unsigned kMostTerms = 30;
     const double t = a + (b - 1) / 2;
-    const double logX = y < 0.35 ? boost::math::log1p(-y, DefaultPolicy()) : std::log(x);
+    const double logX = y < 0.35 ? Log1p(-y) : std::log(x);
     const double u = -t * logX;
-    const double prefix = GammaPrefix(b, u);
+    const double prefix = PrefixOfGamma(b, u);
     if (prefix <= std::numeric_limits<double>::min()) return start;
     double scale = prefix / boost::math::tgamma_delta_ratio(a, b, DefaultPolicy());
     scale /= std::pow(t, b);

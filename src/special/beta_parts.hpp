@@ -9,7 +9,8 @@
 
 namespace orvanth {
 
-// factor x^a y^b / B(a, b) for y = 1 - x, away from the mode.
+// factor x^a y^b / B(a, b) for y = 1 - x, unless one power is near 1 and the other far from it, or one may leave the
+// range of doubles.
 std::optional<double> FastBetaPowerTerms(double a, double b, double x, double y, double factor);
 
 // x^a / B(a, b), the factor in front of the power series.
