@@ -19,5 +19,6 @@ node "$here/self_test.mjs"
 if [ $# -eq 0 ]; then
     "$root/tour"
     set -- "$root/tour-report.html"
+    node "$here/tour_page.mjs" "$1"
 fi
 node "$here/check_page.mjs" --screenshots "$root/build/screenshots" "$@"
