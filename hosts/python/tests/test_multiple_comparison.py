@@ -154,15 +154,6 @@ def test_comparison_with_the_best_by_its_definition(sizes, seed, spread):
     assert np.allclose(interval.low, low, atol=1e-9) and np.allclose(interval.high, high, atol=1e-9)
 
 
-def test_a_group_that_is_excluded_bounds_no_other():
-    """The small second group may be far above the small first one, but the large third one excludes it."""
-    groups = [[5.0, 7.0], [6.0, 8.0], np.linspace(8.5, 11.5, 60)]
-    interval = stats.hsu_mcb(*groups).confidence_interval(0.95)
-    low, high = best_by_its_definition(groups, 0.95)
-    assert high.tolist()[:2] == [0, 0]
-    assert np.allclose(interval.low, low, atol=1e-9) and np.allclose(interval.high, high, atol=1e-9)
-
-
 def test_p_of_the_best_is_the_level_of_exclusion():
     result = stats.hsu_mcb(RECOVERY, best="smallest")
     for i, p in enumerate(result.pvalue):
@@ -189,7 +180,7 @@ def test_many_data_sets_are_each_by_itself(name):
     # The bits of a data set do not depend on its company, nor on the layout.
     half = test(*many[:, 10:11])
     assert np.array_equal(half.pvalue[0], together.pvalue[10])
-    turned = test(*np.asfortranarray(np.swapaxes(many, 1, 2)), axis=-2)
+    turned = test(*np.ascontiguousarray(np.swapaxes(many, 1, 2)), axis=-2)
     assert np.array_equal(turned.pvalue, together.pvalue)
     grid = test(*many.reshape(3, 8, 5, 20))
     assert np.array_equal(grid.pvalue, together.pvalue.reshape(8, 5, *together.pvalue.shape[1:]))
@@ -199,13 +190,13 @@ def test_many_data_sets_are_each_by_itself(name):
 @pytest.mark.parametrize("k", [2, 3, 10, 100])
 def test_polynomials_follow_the_law(law, k):
     random = np.random.default_rng(k)
-    x = np.concatenate([random.random(12) * 6, [0.0, 1.0, 2.0, 40.0, 3e5, 2e6]])
+    x = np.concatenate([random.random(12) * 6, np.linspace(2, 4, 12), [0.0, 1.0, 2.0, 40.0, 3e5, 2e6]])
     if law == laws.ONE_SIDED:
         x = np.concatenate([x, np.linspace(-3, -0.05, 8)])
     for df in (1.0, 5.0, 27.0, 400.0) if k < 100 else (27.0, 2000.0):
         lam = laws.equal_sizes(k) if law == laws.PAIRS or k == 100 else np.append(random.random(k - 1) * 0.9, 0.0)
         tail = laws.upper_tail(law, x, k, df, lam, True)
-        assert np.allclose(tail, laws.upper_tail(law, x, k, df, lam, False), rtol=1e-8, atol=1e-9 if k == 100 else 1e-18)
+        assert np.allclose(tail, laws.upper_tail(law, x, k, df, lam, False), rtol=1e-8, atol=1e-10 if k == 100 else 1e-18)
         assert ((tail >= 0) & (tail <= 1)).all()
 
 

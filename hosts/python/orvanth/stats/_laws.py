@@ -16,7 +16,7 @@ PAIRS, ONE_SIDED, TWO_SIDED = "a", "b", "c"
 _FAMILY = "RefinedMC"
 
 # Points of an interpolating polynomial, for an error below 1e-11; for 100 groups, where the zeros of the tail come close
-# to the real axis, below 1e-9.
+# to the real axis, below 1e-10.
 _POINTS = 32
 _ANGLES = (np.arange(_POINTS) + 0.5) * np.pi / _POINTS
 _NODES = np.cos(_ANGLES)

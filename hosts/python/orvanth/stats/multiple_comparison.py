@@ -85,7 +85,7 @@ def hsu_bounds(difference, error, points):
     # Only groups that may be the best bound the others from below, each with its own point.
     rival = (upper > 0)[..., None, :] & ~itself
     lower = np.where(rival, difference - points[..., None, :] * error, np.inf).min(axis=-1)
-    lower = np.where(rival.any(axis=-1), np.minimum(lower, 0.0), 0.0)
+    lower = np.minimum(lower, 0.0)
     missing = np.isnan(points).any(axis=-1, keepdims=True) | np.isnan(difference).any(axis=(-1, -2))[..., None]
     return np.where(missing, np.nan, lower), np.where(missing, np.nan, upper)
 
