@@ -7,6 +7,7 @@ cd "$(dirname "$0")/.."
 declare -A sets
 sets[build]="g++ gfortran cmake ninja-build ccache python3 python3-numpy python3-matplotlib python3-mpmath dpkg-dev patch
              ca-certificates libboost-dev libopenblas-dev liblapacke-dev"
+sets[tour]="${sets[build]} python3-dev"
 sets[check]="${sets[build]} libgtest-dev googletest clang-14 libclang-rt-14-dev clang-format clang-tidy
              nlohmann-json3-dev pkg-config binutils"
 sets[coverage]="${sets[check]} gcovr"
