@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 
 build=(g++ gfortran cmake ninja-build ccache python3 python3-numpy python3-matplotlib python3-mpmath dpkg-dev patch ca-certificates
        libboost-dev libopenblas-dev liblapacke-dev)
-check=(libgtest-dev googletest clang-14 clang-format clang-tidy nlohmann-json3-dev pkg-config binutils)
+check=(libgtest-dev googletest clang-14 libclang-rt-14-dev clang-format clang-tidy nlohmann-json3-dev pkg-config binutils)
 hosts=(python3-dev python3-pytest python3-hypothesis python3-pip)
 hosts+=(mono-mcs mono-runtime nunit-console libnunit-framework2.6.3-cil)
 r_host=(r-base-core r-base-dev r-cran-testthat pkg-config)
