@@ -19,7 +19,8 @@ for preset in asan fuzz; do
     cmake --build --preset "$preset" --target "$target" >"build/$preset.log" 2>&1 || { cat "build/$preset.log"; exit 1; }
 done
 
-# A few seconds each, more in a long run; what they find stays in the build folder.
+# A few seconds each, more in a long run; what they find stays in the build folder,
+# and tests/fuzz/corpus.py pack takes it over.
 each=$((seconds / 8))
 [ "$each" -ge 2 ] || each=2
 cover() {
@@ -27,8 +28,9 @@ cover() {
     for i in "${!families[@]}"; do
         found=build/fuzz/found/${names[i]} log=build/fuzz/${names[i]}.log
         mkdir -p "$found"
+        tests/fuzz/corpus.py unpack "tests/fuzz/corpus/${names[i]}.txt" "build/fuzz/corpus/${names[i]}"
         if FAMILY=${families[i]} ASAN_OPTIONS=detect_leaks=0:allocator_may_return_null=1 build/fuzz/tests/fuzz/fuzz_families \
-            "$found" "tests/fuzz/corpus/${names[i]}" -max_total_time="$each" -seed="$((seed % 2147483647))" \
+            "$found" "build/fuzz/corpus/${names[i]}" -max_total_time="$each" -seed="$((seed % 2147483647))" \
             -max_len=96 -timeout=60 -rss_limit_mb=4096 -artifact_prefix=build/fuzz/ -close_fd_mask=1 >"$log" 2>&1; then
             printf 'libFuzzer %-28s %s\n' "${names[i]}" "$(grep -E '^Done|^#[0-9]+.*DONE' "$log" | tail -1)"
         else
