@@ -13,7 +13,7 @@ r_host=(r-base-core r-base-dev r-cran-testthat pkg-config)
 bench=(libbenchmark-dev libgsl-dev r-mathlib r-base-core python3-scipy valgrind)
 browser=(nodejs chromium)
 command -v npm >/dev/null || browser+=(npm)  # other packages of nodejs than Debian's bring npm with them
-docs=(python3-sphinx furo python3-myst-parser python3-sphinx-copybutton python3-sphinx-inline-tabs libjs-mathjax python3-scipy)
+docs=(python3-sphinx furo python3-myst-parser python3-sphinx-copybutton python3-sphinx-inline-tabs libjs-mathjax node-normalize.css python3-scipy)
 
 case "${1:-build}" in
     build) wanted=("${build[@]}") ;;
