@@ -91,7 +91,7 @@ def with_plots(text, path, made):
         assert '"' not in made[name], name
         pictures = [f":::{{image}} {up}/{name}-{mode}.svg\n:alt: \"{made[name]}\"\n:class: only-{mode} plot\n:width: 100%\n:::"
                     for mode in ("light", "dark")]
-        return "\n\n".join(pictures) + (f"\n\n:::{{rst-class}} caption\n:::\n{caption}\n" if caption else "")
+        return "\n\n".join(pictures) + (f"\n\n:::{{rst-class}} plot-caption\n:::\n{caption}\n" if caption else "")
     return re.sub(r"^\{plot\} (\S+) ?(.*)$", replace, text, flags=re.M)
 
 
@@ -124,13 +124,18 @@ def copy_mathjax():
 
 
 def mend_theme():
-    """Debian's Furo asks the web server for normalize.css and loads a module as a plain script; pages from the disk need both
-    beside them."""
+    """Debian's Furo asks the web server for normalize.css, loads a module as a plain script, and lacks the rules for a system
+    that is set to dark. Pages from the disk need all of it beside them."""
     styles, scripts = HTML / "_static" / "styles", HTML / "_static" / "scripts"
     wanted = "@import url(/javascript/normalize.css/normalize.css);"
     css = (styles / "furo.css").read_text()
-    if wanted in css:
-        (styles / "furo.css").write_text(css.replace(wanted, NORMALIZE.read_text()))
+    css = css.replace(wanted, NORMALIZE.read_text())
+    if "prefers-color-scheme" not in css:
+        dark = re.search(r'body\[data-theme="dark"\] \{[^}]*\}\s*html body\[data-theme="dark"\] \.only-light \{[^}]*\}\s*'
+                         r'body\[data-theme="dark"\] \.only-dark \{[^}]*\}', css)[0]
+        dark = dark.replace('[data-theme="dark"]', ':not([data-theme="light"])')
+        css += f"\n@media not print {{ @media (prefers-color-scheme: dark) {{\n{dark}\n}} }}\n"
+    (styles / "furo.css").write_text(css)
     module = 'import Gumshoe from "./gumshoe-patched.js";'
     script = (scripts / "furo.js").read_text()
     if module in script:
