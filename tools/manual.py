@@ -116,15 +116,18 @@ def _blocks(text):
 
 def read(folder):
     """The introduction of a folder's exports and the manual entry of each, by name."""
-    path = ROOT / "src" / folder / "exports.txt"
+    return read_file(ROOT / "src" / folder / "exports.txt", {e.name for e in exports() if e.folder == folder})
+
+
+def read_file(path, known):
+    """The introduction and the entries of a file of manual texts. `known` are the names that may have one."""
     if not path.exists():
         return "", {}
     parts = re.split(r"^== (\w+)\s*$", path.read_text(), flags=re.M)
-    known = {e.name for e in exports() if e.folder == folder}
     entries = {}
     for name, text in zip(parts[1::2], parts[2::2]):
         if name not in known:
-            raise ValueError(f"{path}: '{name}' is no export of {folder}/; add its row to exports.def first")
+            raise ValueError(f"{path}: '{name}' has no row in its table; add the row first")
         if name in entries:
             raise ValueError(f"{path}: '{name}' is described twice")
         entries[name] = Entry(name, _blocks(text.strip()))

@@ -15,6 +15,7 @@
 #include "golden/golden_row.hpp"
 #include "golden/invoke.hpp"
 #include "support/library.hpp"
+#include "support/precision_word.hpp"
 
 namespace {
 
@@ -36,7 +37,11 @@ Entry MakeEntry(const orvanth::test::Library& library, const char* name) {
     const auto function = library.Find<Function>(name);
     entry.present = function != nullptr;
     if constexpr (Signature<Function>::kHasRows)
-        if (entry.present) entry.run = [=](const Row& row, int before) { return Invoke(function, row, before); };
+        if (entry.present)
+            entry.run = [=](const Row& row, int before) {
+                const orvanth::test::PrecisionWord word;
+                return Invoke(function, row, before);
+            };
     return entry;
 }
 
@@ -135,5 +140,5 @@ int main(int argc, char** argv) {
     for (auto& [name, rows] : RowsByExport())
         testing::RegisterTest("GoldenRows", name.c_str(), nullptr, nullptr, __FILE__, __LINE__,
                               [name = name, rows = rows]() -> testing::Test* { return new GoldenRows(name, rows); });
-    return RUN_ALL_TESTS();
+    return orvanth::test::OnAThreadOfTheHost([] { return RUN_ALL_TESTS(); });
 }

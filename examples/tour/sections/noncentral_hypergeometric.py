@@ -5,6 +5,8 @@ import matplotlib.pyplot as plt
 import mpmath
 import numpy as np
 
+from palette import BLUE, PALE, RED, SOFT
+
 ACCURACY = 1e-14
 
 
@@ -74,11 +76,11 @@ def run(core, page):
     odds = np.geomspace(1e-3, 2, 200)
     figure, axes = plt.subplots()
     axes.loglog(odds, [core.FNCHypergeometricCDF(x, n, m, N, w, 0, ACCURACY) for w in odds],
-                color="#1f5fa8", label=f"P(X ≤ {x})")
+                color=BLUE, label=f"P(X ≤ {x})")
     axes.loglog(odds, [core.FNCHypergeometricCDF(x - 1, n, m, N, w, 1, ACCURACY) for w in odds],
-                color="#c23b22", label=f"P(X ≥ {x})")
-    axes.axhline(0.025, color="#56606d", linestyle=":")
-    axes.axvspan(low, high, color="#dce8f5", label="exact 95 % interval")
+                color=RED, label=f"P(X ≥ {x})")
+    axes.axhline(0.025, color=SOFT, linestyle=":")
+    axes.axvspan(low, high, color=PALE, label="exact 95 % interval")
     axes.set_ylim(1e-6, 2)
     axes.set_xlabel("odds ratio")
     axes.set_ylabel("tail probability")
