@@ -19,6 +19,7 @@ from signature_table import ROOT
 BUILD = ROOT / "build" / "docs"
 PAGES, STATIC, HTML = BUILD / "pages", BUILD / "static", BUILD / "html"
 MATHJAX = Path("/usr/share/javascript/mathjax")
+NORMALIZE = Path("/usr/share/javascript/normalize.css/normalize.css")
 # What TeX input and HTML output of MathJax load; all of it together would be 50 MB.
 MATHJAX_PARTS = ("MathJax.js", "config/TeX-AMS_CHTML.js", "extensions", "jax/element", "jax/input/TeX",
                  "jax/output/CommonHTML", "fonts/HTML-CSS/TeX/woff", "fonts/HTML-CSS/TeX/otf")
@@ -90,7 +91,7 @@ def with_plots(text, path, made):
         assert '"' not in made[name], name
         pictures = [f":::{{image}} {up}/{name}-{mode}.svg\n:alt: \"{made[name]}\"\n:class: only-{mode} plot\n:width: 100%\n:::"
                     for mode in ("light", "dark")]
-        return "\n\n".join(pictures) + (f"\n\n:::{{rst-class}} caption\n:::\n{caption}\n" if caption else "")
+        return "\n\n".join(pictures) + (f"\n\n:::{{rst-class}} plot-caption\n:::\n{caption}\n" if caption else "")
     return re.sub(r"^\{plot\} (\S+) ?(.*)$", replace, text, flags=re.M)
 
 
@@ -122,6 +123,26 @@ def copy_mathjax():
             shutil.copyfile(source, target / part)
 
 
+def mend_theme():
+    """Debian's Furo asks the web server for normalize.css, loads a module as a plain script, and lacks the rules for a system
+    that is set to dark. Pages from the disk need all of it beside them."""
+    styles, scripts = HTML / "_static" / "styles", HTML / "_static" / "scripts"
+    wanted = "@import url(/javascript/normalize.css/normalize.css);"
+    css = (styles / "furo.css").read_text()
+    css = css.replace(wanted, NORMALIZE.read_text())
+    if "prefers-color-scheme" not in css:
+        dark = re.search(r'body\[data-theme="dark"\] \{[^}]*\}\s*html body\[data-theme="dark"\] \.only-light \{[^}]*\}\s*'
+                         r'body\[data-theme="dark"\] \.only-dark \{[^}]*\}', css)[0]
+        dark = dark.replace('[data-theme="dark"]', ':not([data-theme="light"])')
+        css += f"\n@media not print {{ @media (prefers-color-scheme: dark) {{\n{dark}\n}} }}\n"
+    (styles / "furo.css").write_text(css)
+    module = 'import Gumshoe from "./gumshoe-patched.js";'
+    script = (scripts / "furo.js").read_text()
+    if module in script:
+        (scripts / "furo.js").write_text((scripts / "gumshoe-patched.js").read_text() +
+                                         script.replace(module, "const Gumshoe = window.Gumshoe;"))
+
+
 def main(arguments):
     if len(arguments) > 1:
         sys.exit(__doc__)
@@ -130,9 +151,12 @@ def main(arguments):
     made = plots.make_all(arguments[0], STATIC / "plots") if arguments else None
     collect(made)
     shutil.rmtree(HTML, ignore_errors=True)
-    sys.exit(subprocess.run(["/usr/bin/python3", "-m", "sphinx", "-W", "--keep-going", "-q", "-j", "2", "-b", "html",
+    result = subprocess.run(["/usr/bin/python3", "-m", "sphinx", "-W", "--keep-going", "-q", "-j", "2", "-b", "html",
                              "-d", str(BUILD / "doctrees"), "-c", str(ROOT / "docs" / "site"), str(PAGES), str(HTML)],
-                            cwd=ROOT).returncode)
+                            cwd=ROOT)
+    if result.returncode == 0:
+        mend_theme()
+    sys.exit(result.returncode)
 
 
 main(sys.argv[1:])

@@ -1,7 +1,7 @@
 // Opens the pages of the manual in headless Chromium: each kind of page at both widths and in both modes, every page for
 // errors on the console and for its width, and the search.
 //
-//     site.mjs FOLDER
+//     site.mjs FOLDER [PAGE ...]      with pages: these alone
 import { readdirSync, existsSync } from "node:fs";
 import { createServer } from "node:http";
 import { readFile } from "node:fs/promises";
@@ -56,8 +56,8 @@ async function glance(browser, address, paths, width) {
     for (path of paths) {
         await page.goto(`${address}/${path}`, { waitUntil: "load" });
         if (await page.locator("div.math, span.math").count() > 0)
-            await page.waitForFunction(() => document.querySelectorAll(".math .mjx-chtml").length ===
-                document.querySelectorAll(".math").length, null, { timeout: 20000 })
+            await page.waitForFunction(() => [...document.querySelectorAll(".math")].every((m) =>
+                m.querySelector(".mjx-chtml")), null, { timeout: 20000 })
                 .catch(() => tell("mathematics was not set"));
         const [content, window] = await page.evaluate(() => [
             document.documentElement.scrollWidth, document.documentElement.clientWidth]);
@@ -80,7 +80,7 @@ async function search(browser, address, words, wanted) {
         [`the search for "${words}" does not find ${wanted}, but ${found.slice(0, 8).join(", ") || "nothing"}`];
 }
 
-const folder = process.argv[2];
+const [folder, ...only] = process.argv.slice(2);
 if (!folder || !existsSync(join(folder, "index.html"))) {
     console.error("site.mjs FOLDER: the folder with index.html");
     process.exit(2);
@@ -95,12 +95,12 @@ const report = (what, faults) => {
     for (const fault of faults) console.log(`    ${fault}`);
 };
 try {
-    const pages = pagesOf(folder);
+    const pages = only.length > 0 ? only : pagesOf(folder);
     for (const width of WIDTHS) report(`${pages.length} pages, ${width} pixels`, await glance(browser, address, pages, width));
     for (const [words, wanted] of Object.entries(SEARCHES))
         report(`search for ${words}`, await search(browser, address, words, wanted));
     const shots = process.env.ORVANTH_SCREENSHOTS;
-    for (const kind of process.env.ORVANTH_KINDS?.split(",") ?? KINDS)
+    for (const kind of only.length > 0 ? only : KINDS)
         for (const width of WIDTHS)
             for (const mode of MODES)
                 report(`${kind}, ${width} pixels, ${mode}`, await check(browser, `${address}/${kind}`, width, mode, shots));

@@ -41,7 +41,7 @@ def of_page(name):
 
 def axes(rows=1, columns=1, height=2.9, **options):
     import matplotlib.pyplot as plt
-    figure, made = plt.subplots(rows, columns, figsize=(7.4, height), layout="constrained", **options)
+    figure, made = plt.subplots(rows, columns, figsize=(6.9, height), layout="constrained", **options)
     return figure, made
 
 
@@ -61,7 +61,7 @@ def _style():
     matplotlib.use("Agg")
     import matplotlib.pyplot as plt
     plt.rcParams.update({
-        "font.size": 10.5, "svg.fonttype": "path", "svg.hashsalt": "orvanth", "savefig.transparent": True,
+        "font.size": 11, "svg.fonttype": "path", "svg.hashsalt": "orvanth", "savefig.transparent": True,
         "text.color": INK, "axes.labelcolor": INK, "axes.edgecolor": INK, "xtick.color": INK, "ytick.color": INK,
         "axes.titlecolor": INK, "axes.spines.top": False, "axes.spines.right": False, "axes.grid": True,
         "grid.color": FAINT, "grid.linewidth": 0.6, "axes.axisbelow": True, "lines.linewidth": 1.8,

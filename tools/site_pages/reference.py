@@ -60,6 +60,10 @@ def host_names(export):
     return found
 
 
+def plot_lines(plots):
+    return [text for name, caption in plots for text in (f"{{plot}} {name} {caption}", "")]
+
+
 def example(entry):
     if entry.scalar_examples():
         width = max(len(call) for call, _ in entry.scalar_examples())
@@ -82,6 +86,7 @@ def export_page(export, entry, plots=()):
              f"```c\n{declaration(export)}\n```", ""]
     if len(opening) > 1:
         lines += [prose.blocks(opening[1].strip(), here), ""]
+    lines += plot_lines(p for p in plots if p[0].startswith("law-"))
     lines += ["## Formula", "", prose.formula(entry), ""]
     lines += ["## Parameters", ""]
     directions = {p.name: p.direction for p in entry.parameters}
@@ -97,8 +102,7 @@ def export_page(export, entry, plots=()):
               "## Threads", "", prose.inline(" ".join(threads_text(export).split()), here), "",
               "## Memory", "", prose.inline(" ".join(entry.section("Memory").split()), here), "",
               "## Accuracy", "", prose.inline(" ".join(entry.section("Accuracy").split()), here), ""]
-    for name, caption in plots:
-        lines += [f"{{plot}} {name} {caption}", ""]
+    lines += plot_lines(p for p in plots if not p[0].startswith("law-"))
     lines += ["## Equivalents", ""]
     equivalents, current = [], ""
     for line in entry.section("Equivalents").splitlines():
@@ -129,8 +133,7 @@ def family_page(folder, introduction, entries, plots=()):
             brief = prose.inline(entries[export.name].brief, export.name)
             lines.append(f"| [`{export.name}`]({export.name}.md) | {brief} | {failure(export)} | {rule} |")
     lines.append("")
-    for name, caption in plots:
-        lines += [f"{{plot}} {name} {caption}", ""]
+    lines += plot_lines(plots)
     lines += ["```{toctree}", ":hidden:", ""] + [e.name for e in exports() if e.folder == folder] + ["```", ""]
     return "\n".join(lines)
 
