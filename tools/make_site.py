@@ -25,7 +25,9 @@ MATHJAX_PARTS = ("MathJax.js", "config/TeX-AMS_CHTML.js", "extensions", "jax/ele
 FROM_TOP = ("CHANGELOG.md", "CONTRIBUTING.md", "THIRD_PARTY_NOTICES.md")
 # The overview of the exports is the reference itself here; decisions and the rest come as they are.
 NOT_SHOWN = ("exports.md",)
-TITLES = {"THIRD_PARTY_NOTICES.md": "Licences of what is inside"}
+# Plots below the title of pages that are copied.
+PLOTS = {"benchmarks.md": "benchmarks", "exports.md": "accuracy-summary", "kolmogorov.md": "kolmogorov-regions",
+         "multiple_comparison.md": "comparison-error"}
 
 
 def put(path, text):
@@ -33,7 +35,7 @@ def put(path, text):
     path.write_text(text)
 
 
-def copy_with_links(source, target):
+def copy_with_links(source, target, made):
     """A page with its links: to another page they stay, to a file outside docs/ they lead to a copy of the file."""
     def replace(match):
         label, address = match.groups()
@@ -53,6 +55,9 @@ def copy_with_links(source, target):
                 else label
         return f"[{label}]({os.path.relpath(inside, target.parent)}{'#' + anchor if anchor else ''})"
     text = re.sub(r"(?<!!)\[([^\]\n]+)\]\(([^)\s]+)\)", replace, source.read_text())
+    if source.name in PLOTS:
+        text = with_plots(re.sub(r"^(# .*)$", rf"\1\n\n{{plot}} {PLOTS[source.name]}", text, count=1, flags=re.M),
+                          target.relative_to(PAGES), made)
     put(target, text)
 
 
@@ -82,7 +87,8 @@ def with_plots(text, path, made):
         if name not in made:
             raise KeyError(f"{path}: there is no plot '{name}'")
         up = os.path.relpath(STATIC / "plots", PAGES / Path(path).parent)
-        pictures = [f":::{{image}} {up}/{name}-{mode}.svg\n:alt: {made[name]}\n:class: only-{mode} plot\n:width: 100%\n:::"
+        assert '"' not in made[name], name
+        pictures = [f":::{{image}} {up}/{name}-{mode}.svg\n:alt: \"{made[name]}\"\n:class: only-{mode} plot\n:width: 100%\n:::"
                     for mode in ("light", "dark")]
         return "\n\n".join(pictures) + (f"\n\n:::{{rst-class}} caption\n:::\n{caption}\n" if caption else "")
     return re.sub(r"^\{plot\} (\S+) ?(.*)$", replace, text, flags=re.M)
@@ -100,10 +106,7 @@ def collect(made):
     for file in [*sorted((ROOT / "docs").glob("*.md")), *sorted((ROOT / "docs" / "accuracy").glob("*.md")),
                  *(ROOT / name for name in FROM_TOP)]:
         if file.name not in NOT_SHOWN or file.parent.name == "accuracy":
-            copy_with_links(file, page_of(file))
-    notices = PAGES / "project" / "THIRD_PARTY_NOTICES.md"
-    if notices.exists() and not notices.read_text().startswith("# "):
-        put(notices, f"# {TITLES[notices.name]}\n\n{notices.read_text()}")
+            copy_with_links(file, page_of(file), made)
 
 
 def copy_mathjax():

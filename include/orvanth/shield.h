@@ -73,6 +73,8 @@ enum OrvanthStatus {
 
 /** The kind of failure of this thread's last call into the shield; 0 after a success. */
 ORVANTH_SHIELD_API(int32_t) LastStatus(void);
+/** Where the library keeps LastStatus for the calling thread. The address is asked once a thread and read after each call; it holds as long as that thread lives. */
+ORVANTH_SHIELD_API(const int32_t*) LastStatusAddress(void);
 /** What failed in this thread's last call, in words; empty after a success. Valid until the thread's next call. */
 ORVANTH_SHIELD_API(const char*) LastErrorText(void);
 /** The name of the argument at fault in this thread's last call where it is known, otherwise empty. */

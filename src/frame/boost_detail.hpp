@@ -21,6 +21,11 @@ static_assert(BOOST_VERSION / 100 == 1074, "read the private functions below in 
 
 namespace orvanth {
 
+// The gamma function without the test of its result, which comes back unchecked.
+inline double UncheckedGamma(double x) {
+    return boost::math::detail::gamma_imp(x, DefaultPolicy(), boost::math::lanczos::lanczos13m53());
+}
+
 // x^a exp(-x); infinity where it overflows.
 inline double IncompleteGammaPrefix(double a, double x) {
     return boost::math::detail::full_igamma_prefix(a, x, LateOverflowPolicy());

@@ -18,8 +18,10 @@
 #endif
 
 // g++ compiles such a loop kernel twice and chooses by the processor when the library is loaded. The bits agree:
-// contraction is off, and vector lanes only take elements that are independent. clang compiles it once.
-#if defined(__ELF__) && defined(__x86_64__) && !defined(__clang__) && !defined(__SANITIZE_ADDRESS__) && \
+// contraction is off, and vector lanes only take elements that are independent. clang compiles it once. A build that
+// counts what runs defines the macro as nothing, since a machine runs one of the two only.
+#if defined(ORVANTH_VECTOR_CLONES)
+#elif defined(__ELF__) && defined(__x86_64__) && !defined(__clang__) && !defined(__SANITIZE_ADDRESS__) && \
     !defined(__SANITIZE_THREAD__)
 #define ORVANTH_VECTOR_CLONES __attribute__((target_clones("avx2", "default"), optimize("O3")))
 #else
@@ -28,7 +30,8 @@
 
 // A kernel of fused multiply-adds compiled twice: by the processor's own instruction, and by std::fma of the
 // mathematical library where the processor has none. Both round once, so the bits agree. clang compiles it once.
-#if defined(__ELF__) && defined(__x86_64__) && !defined(__clang__) && !defined(__SANITIZE_ADDRESS__) && \
+#if defined(ORVANTH_FUSED_CLONES)
+#elif defined(__ELF__) && defined(__x86_64__) && !defined(__clang__) && !defined(__SANITIZE_ADDRESS__) && \
     !defined(__SANITIZE_THREAD__)
 #define ORVANTH_FUSED_CLONES __attribute__((target_clones("fma", "default")))
 #else

@@ -102,11 +102,17 @@ constexpr RunFunction RunOf(const char*) {
     return &Runner<function>::Run;
 }
 template <>
-constexpr RunFunction RunOf<&::LBFGSBStart>(const char*) { return &RunMinimiser; }
+constexpr RunFunction RunOf<&::LBFGSBStart>(const char*) {
+    return &RunMinimiser;
+}
 template <>
-constexpr RunFunction RunOf<&::LBFGSBStep>(const char*) { return nullptr; }
+constexpr RunFunction RunOf<&::LBFGSBStep>(const char*) {
+    return nullptr;
+}
 template <>
-constexpr RunFunction RunOf<&::LBFGSBEnd>(const char*) { return nullptr; }
+constexpr RunFunction RunOf<&::LBFGSBEnd>(const char*) {
+    return nullptr;
+}
 
 const std::vector<Documented>& Manual() {
     static const std::vector<Documented> rows{

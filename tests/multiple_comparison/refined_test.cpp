@@ -131,4 +131,33 @@ TEST(Refined, EndsOfTheRange) {
     }
 }
 
+// Only 1 / sqrt 2 makes a distribution of all pairs; with another coefficient the formula has another limit than 1.
+TEST(Refined, AllPairsWithAnotherCoefficientFollowTheFormula) {
+    for (const double lambda : {0.5, 0.65, 0.8})
+        for (const double df : {8.0, 1e9}) {
+            const std::vector<double> one{lambda};
+            const double lower = RefinedTukeyCDF(2.5, 4, df, one, false);
+            EXPECT_NEAR(lower, MCaCDF(2.5, 4, df, &lambda, 0), 1e-6) << lambda << " df " << df;
+            EXPECT_EQ(RefinedTukeyCDF(2.5, 4, df, one, true), 1.0 - lower);
+        }
+    const std::vector<double> flat{0.5};
+    const double limit = RefinedTukeyCDF(1e6, 4, 20, flat, false);
+    EXPECT_LT(limit, 0.9);
+    EXPECT_TRUE(std::isnan(RefinedTukeyICDF(0.99, 4, 20, flat, false))) << "no x reaches this probability";
+    const double median = RefinedTukeyICDF(0.5 * limit, 4, 20, flat, false);
+    EXPECT_NEAR(RefinedTukeyCDF(median, 4, 20, flat, false), 0.5 * limit, 1e-9);
+}
+
+TEST(Refined, GroupsAndCoefficientsOutsideTheirRangeGiveNaN) {
+    const std::vector<double> lambda(4, 0.5);
+    for (const auto& [name, family] : kRefined) {
+        EXPECT_FALSE(std::isnan(family.cumulative(2, 5, 10, lambda, false))) << name;
+        EXPECT_TRUE(std::isnan(family.cumulative(2, 0, 10, lambda, false))) << name;
+        EXPECT_TRUE(std::isnan(family.cumulative(2, 46342, 10, lambda, false))) << name;
+        EXPECT_EQ(std::isnan(family.cumulative(2, 6, 10, lambda, false)), name != "Tukey") << name;
+        EXPECT_TRUE(std::isnan(family.cumulative(2, 5, 0, lambda, false))) << name;
+        EXPECT_TRUE(std::isnan(family.cumulative(2, 5, kNaN, lambda, false))) << name;
+    }
+}
+
 }  // namespace

@@ -1,5 +1,5 @@
-// The control word of the x87 unit of a thread. Hosts, compilers' run-time libraries and drivers set its precision to 53
-// or to 64 bits; no result may depend on it.
+// The control word of the x87 unit of a thread. Hosts, compilers' run-time libraries and drivers set its precision to
+// 53 or to 64 bits; no result may depend on it.
 #ifndef ORVANTH_TESTS_SUPPORT_PRECISION_WORD_HPP
 #define ORVANTH_TESTS_SUPPORT_PRECISION_WORD_HPP
 
@@ -7,6 +7,9 @@
 #include <cstdlib>
 
 #if defined(_WIN32)
+#if !defined(NOMINMAX)
+#define NOMINMAX
+#endif
 #include <windows.h>
 #else
 #include <thread>
@@ -48,8 +51,8 @@ int OnNewThread(Function function) {
         int result;
     } work{function, 0};
     const auto run = [](void* given) -> DWORD {
-        Work& work = *static_cast<Work*>(given);
-        work.result = work.function();
+        Work& own = *static_cast<Work*>(given);
+        own.result = own.function();
         return 0;
     };
     const HANDLE thread = CreateThread(nullptr, 1 << 23, static_cast<LPTHREAD_START_ROUTINE>(run), &work, 0, nullptr);

@@ -227,7 +227,8 @@ def gamma_derivative(a, x, *, out=None, where=True):
 
     Edges
     -----
-    x = 0: 0 for a > 1, 1 for a = 1, a failure for a < 1. A NaN argument: NaN.
+    x = 0: 0 for a > 1, 1 for a = 1, a failure for a < 1. a or x = +infinity: 0, both: NaN.
+    A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
@@ -476,7 +477,7 @@ def beta(a, b, *, out=None, where=True):
 
     Edges
     -----
-    A NaN argument: NaN.
+    An infinite argument: 0. A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
@@ -527,7 +528,8 @@ def beta_regularized(a, b, x, *, out=None, where=True):
 
     Edges
     -----
-    a = 0: 1. b = 0: 0. Both are answered before x is tested. x = 0: 0. x = 1: 1. A NaN argument: NaN.
+    a = 0: 1. b = 0: 0. Both are answered before x is tested. x = 0: 0. x = 1: 1. For x
+    between 0 and 1: a = infinity: 0. b = infinity: 1. Both infinite: NaN. A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
@@ -582,7 +584,8 @@ def beta_regularized_c(a, b, x, *, out=None, where=True):
 
     Edges
     -----
-    a = 0: 0. b = 0: 1. Both are answered before x is tested. x = 0: 1. x = 1: 0. A NaN argument: NaN.
+    a = 0: 0. b = 0: 1. Both are answered before x is tested. x = 0: 1. x = 1: 0. For x
+    between 0 and 1: a = infinity: 1. b = infinity: 0. Both infinite: NaN. A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
@@ -634,7 +637,7 @@ def beta_derivative(a, b, x, *, out=None, where=True):
     Edges
     -----
     x = 0: 0 for a > 1, b for a = 1, +infinity with errno 34 for a < 1. x = 1: the same with a and b
-    exchanged. A NaN argument: NaN.
+    exchanged. Between them: 0 for an infinite a or b, NaN if both are. A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
@@ -1385,6 +1388,7 @@ def chi_squared_icdf(p, df, *, upper=False, out=None, where=True):
     Edges
     -----
     p = 0: 0. p = 1: +infinity, and errno stays as it was. With the flag set the reverse.
+    A quantile beyond the largest double: +infinity, and errno stays as it was.
 
     Failure of the plain export
     ---------------------------
@@ -1712,6 +1716,7 @@ def gamma_icdf(p, shape, scale, *, upper=False, out=None, where=True):
     Edges
     -----
     p = 0: 0. p = 1: +infinity with errno 34. With the flag set the reverse.
+    A quantile beyond the largest double: +infinity, and errno stays as it was.
 
     Failure of the plain export
     ---------------------------
@@ -1768,7 +1773,8 @@ def normal_pdf(x, mean, sd, *, out=None, where=True):
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad mean or sd: errno 33, and NaN unless x is infinite. x a NaN: NaN, errno 33.
+    Silent. A bad mean or sd: errno 33, and NaN unless x is infinite. x a NaN: NaN, errno 33. A
+    density beyond the largest double: +infinity, errno 34.
 
     References
     ----------
@@ -1869,6 +1875,7 @@ def normal_icdf(p, mean, sd, *, upper=False, out=None, where=True):
     Edges
     -----
     p = 0: -infinity. p = 1: +infinity. Both with errno 34; with the flag set the reverse.
+    A quantile beyond the largest double: an infinity, and errno stays as it was.
 
     Failure of the plain export
     ---------------------------

@@ -50,7 +50,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCaCDF(x, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -113,7 +113,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCaICDF(p, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -182,7 +182,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCbCDF(x, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -245,7 +245,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCbICDF(p, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -314,7 +314,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCcCDF(x, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -377,7 +377,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCcICDF(p, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -443,7 +443,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeRefinedMCaCDF(x, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -501,7 +501,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeRefinedMCaICDF(p, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -566,7 +566,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeRefinedMCbCDF(x, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -624,7 +624,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeRefinedMCbICDF(p, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -689,7 +689,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeRefinedMCcCDF(x, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -747,7 +747,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeRefinedMCcICDF(p, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
