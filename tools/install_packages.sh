@@ -16,6 +16,7 @@ sets[hosts]="${sets[check]} python3-dev python3-pytest python3-hypothesis python
              mono-mcs mono-runtime nunit-console libnunit-framework2.6.3-cil
              r-base-core r-base-dev r-cran-testthat"
 sets[bench]="${sets[build]} libbenchmark-dev libgsl-dev r-mathlib r-base-core python3-scipy valgrind"
+sets[package]="${sets[hosts]} debhelper lintian"
 sets[windows]="${sets[build]} g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix gfortran-mingw-w64-x86-64-posix
                gfortran-mingw-w64-i686-posix wine wine64 debootstrap googletest nlohmann-json3-dev"
 sets[browser]="nodejs chromium"

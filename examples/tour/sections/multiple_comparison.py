@@ -135,8 +135,8 @@ def run(core, page):
     page.compare(rows, "Blood counts, unequal groups: both drugs against the control (Dunnett 1955)", tolerance=1e-4)
 
     in_the_package(page, plants, blood)
-    page.figure(blood_figure(core, blood, against), "Blood counts of animals under two drugs: only the second one changes "
-                                                    "the mean, in red.")
+    page.figure(blood_figure(core, blood, against),
+                "Blood counts of animals under two drugs: only the second one changes the mean, in red.")
 
     figure, (left, right) = plt.subplots(1, 2)
     for y, (name, difference, half) in enumerate(pairs):
