@@ -411,7 +411,7 @@ ORVANTH_API(int32_t) LS(double* a, const MatrixDescriptor* aDescriptor, double* 
  *
  * @par Formula
  * @code{.unparsed}
- * A = Q R by Householder reflections in the order of the columns, and x = R^-1 times the first n rows
+ * A = Q R by Householder reflections in the order of the columns, and x is R^-1 times the first n rows
  * of Q' b. Column i stops the call when tolerance times its own length is at least the length of the
  * part of it that is orthogonal to columns 1 to i - 1. A column of zeros counts as of length 1 here.
  * @endcode
@@ -423,7 +423,8 @@ ORVANTH_API(int32_t) LS(double* a, const MatrixDescriptor* aDescriptor, double* 
  *                         max(1, m, n); rows is not read
  * @param[out] x           n by k; on status 0 the coefficients of a single right-hand side, in the
  *                         order of the columns. Of several only the first column is a solution: solve
- *                         for one at a time
+ *                         for one at a time. The others are written as well, to elements n to n + k
+ *                         - 2 from the first, whatever the leading dimension
  * @param[in] xDescriptor  view of x, offset honoured: leadingDimension >= max(1, n); nothing else is
  *                         read
  * @param[out] tau         min(m, n) doubles, the factors of the reflectors

@@ -15,6 +15,7 @@
 #include <utility>
 
 #include "frame/errno_of_thread.hpp"
+#include "frame/platform.hpp"
 #include "orvanth/core_math.h"
 #include "orvanth/shield.h"
 #include "shield/last_failure.hpp"
@@ -25,7 +26,7 @@ namespace orvanth::shield {
 inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 // One for the whole process: the exports that use the library's working storage take it.
-extern constinit std::mutex workspaceLock;
+extern ORVANTH_CONSTINIT_MUTEX std::mutex workspaceLock;
 
 // A result and what the out-pointers got, compared with the value that stands for "no result".
 inline bool IsReserved(const Facts& facts, double value) {

@@ -16,7 +16,7 @@ namespace {
 constexpr std::int32_t kBadArgument = -3, kNoHandle = -5, kNotAStream = -1006;  // statuses of the random exports
 constexpr std::int32_t kEvaluate = 1, kNewIterate = 2, kAbnormal = 4, kRejected = 5;  // codes of a step
 
-constinit HandleTable handles;
+ORVANTH_CONSTINIT_MUTEX HandleTable handles;
 
 struct Minimiser {
     LBFGSBDriverState* state = nullptr;

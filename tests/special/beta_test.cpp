@@ -125,6 +125,25 @@ TEST(Beta, LimitsOfHugeParametersJoinTheGeneralForm) {
     EXPECT_EQ(BetaRegularized(1e100, 1e100, 0.4), 0);
 }
 
+TEST(Beta, TheVarianceOfHugeParametersMayUnderflow) {
+    EXPECT_EQ(BetaRegularized(1e308, 1e308, 0.5), 0.5);
+    EXPECT_EQ(BetaRegularizedC(1e308, 1e308, 0.5), 0.5);
+    EXPECT_EQ(BetaRegularized(1e308, 1e308, 0.51), 1);
+    const double a = 1.8446744073709552e19, b = 4.3084842848631482e192;
+    EXPECT_NEAR(BetaRegularized(a, b, a / b), 0.5, 1e-6);
+}
+
+TEST(Beta, OneInfiniteParameterPutsTheMassAtAnEnd) {
+    for (double other : {0.3, 60.0, 3.2792006278212911e39, 1e307})
+        for (double x : {1e-300, 0.5, 0.999}) {
+            EXPECT_EQ(BetaRegularized(kInfinity, other, x), 0) << other;
+            EXPECT_EQ(BetaRegularizedC(kInfinity, other, x), 1) << other;
+            EXPECT_EQ(BetaRegularized(other, kInfinity, x), 1) << other;
+            EXPECT_EQ(BetaRegularizedC(other, kInfinity, x), 0) << other;
+        }
+    EXPECT_TRUE(std::isnan(BetaRegularized(kInfinity, kInfinity, 0.5)));
+}
+
 TEST(Beta, AgreesWithFiftyDigits) {
     std::mt19937_64 random(kSeed);
     std::uniform_real_distribution<double> exponent(-2, 2.3), unit(0.001, 0.999);

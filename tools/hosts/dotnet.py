@@ -16,7 +16,8 @@ FOLDER = ROOT / "hosts" / "dotnet" / "src" / "Generated"
 LIBRARY = "Orvanth.Core.Math.Shield"
 # Where the field's word differs from the export's.
 CLASSES = {"MCa": "MultipleComparison.Tukey", "MCb": "MultipleComparison.Hsu", "MCc": "MultipleComparison.Dunnett",
-           "FNCHypergeometric": "NoncentralHypergeometric"}
+           "RefinedMCa": "MultipleComparison.RefinedTukey", "RefinedMCb": "MultipleComparison.RefinedHsu",
+           "RefinedMCc": "MultipleComparison.RefinedDunnett", "FNCHypergeometric": "NoncentralHypergeometric"}
 FOLDERS = {"special": "SpecialFunctions", "linalg": "LinearAlgebra"}
 METHODS = {"PDF": "Pdf", "CDF": "Cdf", "ICDF": "Quantile"}
 # An int32_t with one of these names is a choice between two.
@@ -46,7 +47,7 @@ def name_of(argument):
 @cache
 def prefixes(folder):
     """The names before PDF, CDF and ICDF in a folder, the longest first."""
-    found = {m[1] for e in exports() if e.folder == folder and table.has_array_form(e)
+    found = {m[1] for e in table.functions() if e.folder == folder and table.has_array_form(e)
              for m in [re.fullmatch(r"(\w+?)(PDF|I?CDF)", e.name)] if m}
     return sorted(found, key=lambda p: (-len(p), p))
 
@@ -102,7 +103,7 @@ def documentation(export, is_array=False, note=None):
     for title in ("Formula", "Edges", "Failure", "Memory", "Accuracy", "Equivalents", "Source"):
         text = entry.section(title) if entry else None
         if text and not is_array:
-            title = "Failure of the C export" if title == "Failure" else title
+            title = "Failure of the C export" if title == "Failure" and export not in table.refined() else title
             parts += [f"<para>{title}</para>", *comment("code" if title == "Formula" else "para", text)]
     if parts:
         lines += ["<remarks>", *parts, "</remarks>"]
@@ -123,7 +124,7 @@ def native():
         # The question after each call; it touches nothing but a number of the thread.
         quick = ["#if NET5_0_OR_GREATER", "[SuppressGCTransition]", "#endif"] if own.name == "LastStatus" else []
         lines += ["", *_indent(extern(RESULTS.get(own.result) or TYPES[own.result], own.name, [f"{TYPES[a.type]} {name_of(a)}" for a in own.arguments], quick))]
-    for e in exports():
+    for e in table.functions():
         arguments = [f"{TYPES[a.type]} {name_of(a)}" for a in e.arguments]
         if e.result == "void" and table.has_array_form(e):
             arguments = [f"{'out double' if a.written else TYPES[a.type]} {name_of(a)}" for a in e.arguments]
@@ -219,7 +220,7 @@ def spaced(name):
 
 def classes(folder):
     """The classes of a folder's exports, or None."""
-    wanted = [e for e in exports() if e.folder == folder and not table.by_hand(e)]
+    wanted = [e for e in table.functions() if e.folder == folder and not table.by_hand(e)]
     if not wanted:
         return None
     lines, opened = [], set()

@@ -266,7 +266,8 @@ namespace Orvanth.Core.Math
         /// <para>Formula</para>
         /// <code>twice the y with P(df/2, y) = p, with the flag set twice the y with Q(df/2, y) = p</code>
         /// <para>Edges</para>
-        /// <para>p = 0: 0. p = 1: +infinity, and errno stays as it was. With the flag set the reverse.</para>
+        /// <para>p = 0: 0. p = 1: +infinity, and errno stays as it was. With the flag set the reverse.
+        /// A quantile beyond the largest double: +infinity, and errno stays as it was.</para>
         /// <para>Failure of the C export</para>
         /// <para>Silent. A bad df: NaN, errno 33. A good df with p outside [0, 1]: errno 33, and the calculation goes
         /// on to NaN. p a NaN: NaN, and errno 33 only if df is bad.
@@ -579,7 +580,8 @@ namespace Orvanth.Core.Math
         /// <para>Formula</para>
         /// <code>scale times the y with P(shape, y) = p, with the flag set scale times the y with Q(shape, y) = p</code>
         /// <para>Edges</para>
-        /// <para>p = 0: 0. p = 1: +infinity with errno 34. With the flag set the reverse.</para>
+        /// <para>p = 0: 0. p = 1: +infinity with errno 34. With the flag set the reverse.
+        /// A quantile beyond the largest double: +infinity, and errno stays as it was.</para>
         /// <para>Failure of the C export</para>
         /// <para>Silent. A bad shape or scale, or p outside [0, 1] or a NaN: NaN, errno 33.
         /// If no search arrives: the value reached, errno 33; no such argument is known.</para>
@@ -636,7 +638,8 @@ namespace Orvanth.Core.Math
         /// <para>Edges</para>
         /// <para>x = -infinity or +infinity: 0, also with a bad mean or sd, which then only sets errno.</para>
         /// <para>Failure of the C export</para>
-        /// <para>Silent. A bad mean or sd: errno 33, and NaN unless x is infinite. x a NaN: NaN, errno 33.</para>
+        /// <para>Silent. A bad mean or sd: errno 33, and NaN unless x is infinite. x a NaN: NaN, errno 33. A
+        /// density beyond the largest double: +infinity, errno 34.</para>
         /// <para>Memory</para>
         /// <para>None.</para>
         /// <para>Accuracy</para>
@@ -734,7 +737,8 @@ namespace Orvanth.Core.Math
         /// <para>Formula</para>
         /// <code>mean - z sd sqrt(2) with erfc(z) = 2 p, with the flag set mean + z sd sqrt(2)</code>
         /// <para>Edges</para>
-        /// <para>p = 0: -infinity. p = 1: +infinity. Both with errno 34; with the flag set the reverse.</para>
+        /// <para>p = 0: -infinity. p = 1: +infinity. Both with errno 34; with the flag set the reverse.
+        /// A quantile beyond the largest double: an infinity, and errno stays as it was.</para>
         /// <para>Failure of the C export</para>
         /// <para>Silent. A bad mean or sd, or p outside [0, 1] or a NaN: NaN, errno 33.</para>
         /// <para>Memory</para>

@@ -339,7 +339,7 @@ namespace Orvanth.Core.Math
         /// <param name="aDescriptor">view of a, offset honoured: rows = m &gt;= 0, columns = n from 0 to 2499, leadingDimension &gt;= max(1, m)</param>
         /// <param name="b">max(m, n) by k right-hand sides; on status 0 Q' b</param>
         /// <param name="bDescriptor">view of b, offset honoured: columns = k &gt;= 0, leadingDimension &gt;= max(1, m, n); rows is not read</param>
-        /// <param name="x">n by k; on status 0 the coefficients of a single right-hand side, in the order of the columns. Of several only the first column is a solution: solve for one at a time</param>
+        /// <param name="x">n by k; on status 0 the coefficients of a single right-hand side, in the order of the columns. Of several only the first column is a solution: solve for one at a time. The others are written as well, to elements n to n + k - 2 from the first, whatever the leading dimension</param>
         /// <param name="xDescriptor">view of x, offset honoured: leadingDimension &gt;= max(1, n); nothing else is read</param>
         /// <param name="tau">min(m, n) doubles, the factors of the reflectors</param>
         /// <param name="tolerance">any number, for example 1e-7</param>
@@ -347,7 +347,7 @@ namespace Orvanth.Core.Math
         /// <remarks>
         /// <para>The form of C. Nobody tests that an array without a descriptor is as long as its text says.</para>
         /// <para>Formula</para>
-        /// <code>A = Q R by Householder reflections in the order of the columns, and x = R^-1 times the first n rows
+        /// <code>A = Q R by Householder reflections in the order of the columns, and x is R^-1 times the first n rows
         /// of Q' b. Column i stops the call when tolerance times its own length is at least the length of the
         /// part of it that is orthogonal to columns 1 to i - 1. A column of zeros counts as of length 1 here.</code>
         /// <para>Edges</para>

@@ -194,7 +194,8 @@ namespace Orvanth.Core.Math
         /// <para>Formula</para>
         /// <code>x^(a-1) exp(-x) / Gamma(a)</code>
         /// <para>Edges</para>
-        /// <para>x = 0: 0 for a &gt; 1, 1 for a = 1, a failure for a &lt; 1. A NaN argument: NaN.</para>
+        /// <para>x = 0: 0 for a &gt; 1, 1 for a = 1, a failure for a &lt; 1. a or x = +infinity: 0, both: NaN.
+        /// A NaN argument: NaN.</para>
         /// <para>Failure of the C export</para>
         /// <para>Throws std::domain_error for a &lt;= 0 or x &lt; 0, with the texts of GammaRegularized;
         /// std::overflow_error, "Overflow Error", at x = 0 with a &lt; 1 and beyond the largest double.</para>
@@ -418,7 +419,7 @@ namespace Orvanth.Core.Math
         /// <para>Formula</para>
         /// <code>Gamma(a) Gamma(b) / Gamma(a + b)</code>
         /// <para>Edges</para>
-        /// <para>A NaN argument: NaN.</para>
+        /// <para>An infinite argument: 0. A NaN argument: NaN.</para>
         /// <para>Failure of the C export</para>
         /// <para>Throws std::domain_error for a &lt;= 0 and then for b &lt;= 0, "The arguments to the beta function must be
         /// greater than zero ..."; std::overflow_error, "numeric overflow", beyond the largest double.</para>
@@ -465,7 +466,8 @@ namespace Orvanth.Core.Math
         /// <para>Formula</para>
         /// <code>1/B(a, b) * integral of t^(a-1) (1-t)^(b-1) for t from 0 to x</code>
         /// <para>Edges</para>
-        /// <para>a = 0: 1. b = 0: 0. Both are answered before x is tested. x = 0: 0. x = 1: 1. A NaN argument: NaN.</para>
+        /// <para>a = 0: 1. b = 0: 0. Both are answered before x is tested. x = 0: 0. x = 1: 1. For x
+        /// between 0 and 1: a = infinity: 0. b = infinity: 1. Both infinite: NaN. A NaN argument: NaN.</para>
         /// <para>Failure of the C export</para>
         /// <para>Throws std::domain_error, with the tests in this order: a &lt; 0, "The argument a to the incomplete
         /// beta function must be &gt;= zero ..."; the same for b; a = b = 0, "The arguments a and b to the
@@ -517,7 +519,8 @@ namespace Orvanth.Core.Math
         /// <para>Formula</para>
         /// <code>1/B(a, b) * integral of t^(a-1) (1-t)^(b-1) for t from x to 1</code>
         /// <para>Edges</para>
-        /// <para>a = 0: 0. b = 0: 1. Both are answered before x is tested. x = 0: 1. x = 1: 0. A NaN argument: NaN.</para>
+        /// <para>a = 0: 0. b = 0: 1. Both are answered before x is tested. x = 0: 1. x = 1: 0. For x
+        /// between 0 and 1: a = infinity: 1. b = infinity: 0. Both infinite: NaN. A NaN argument: NaN.</para>
         /// <para>Failure of the C export</para>
         /// <para>As BetaRegularized.</para>
         /// <para>Memory</para>
@@ -565,7 +568,7 @@ namespace Orvanth.Core.Math
         /// <code>x^(a-1) (1-x)^(b-1) / B(a, b)</code>
         /// <para>Edges</para>
         /// <para>x = 0: 0 for a &gt; 1, b for a = 1, +infinity with errno 34 for a &lt; 1. x = 1: the same with a and b
-        /// exchanged. A NaN argument: NaN.</para>
+        /// exchanged. Between them: 0 for an infinite a or b, NaN if both are. A NaN argument: NaN.</para>
         /// <para>Failure of the C export</para>
         /// <para>Silent. a &lt;= 0, b &lt;= 0 or x outside [0, 1]: errno 33 and the calculation goes on, commonly to NaN;
         /// a later overflow gives +infinity and errno 34. A result beyond the largest double: +infinity, errno
@@ -621,8 +624,8 @@ namespace Orvanth.Core.Math
         /// <para>Memory</para>
         /// <para>None.</para>
         /// <para>Accuracy</para>
-        /// <para>Relative 1e-9 or better for a and b from 1e-12 to 1e12; limit distributions stand in beyond
-        /// (docs/accuracy/exports.md).</para>
+        /// <para>Relative 1e-9 or better (docs/accuracy/exports.md). Limit distributions stand in for a or b above
+        /// 1e12.</para>
         /// <para>Equivalents</para>
         /// <para>R: qbeta(p, a, b)
         /// SciPy: scipy.special.betaincinv(a, b, p)</para>
