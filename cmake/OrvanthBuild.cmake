@@ -64,7 +64,7 @@ function(add_core_test name)
   target_compile_definitions(${name} PRIVATE ORVANTH_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
   target_link_libraries(${name} PRIVATE core_math_objects GTest::gtest_main)
   add_test(NAME ${name} COMMAND ${name})
-  set_tests_properties(${name} PROPERTIES TIMEOUT 600 ENVIRONMENT "OPENBLAS_NUM_THREADS=1")
+  set_tests_properties(${name} PROPERTIES LABELS program TIMEOUT 600 ENVIRONMENT "OPENBLAS_NUM_THREADS=1")
 endfunction()
 
 # add_thread_tests(<program>): the tests of this program that start threads have Thread in their names. The thread

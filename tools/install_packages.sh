@@ -1,24 +1,36 @@
 #!/usr/bin/env bash
 # Installs what is missing for building, testing and the tour. Needs root only if something is missing.
-#   tools/install_packages.sh build|check|hosts|bench
+#   tools/install_packages.sh SET        one of the sets below
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-build=(g++ gfortran cmake ninja-build ccache python3 python3-numpy python3-matplotlib python3-mpmath dpkg-dev patch ca-certificates
-       libboost-dev libopenblas-dev liblapacke-dev)
-check=(libgtest-dev googletest clang-14 libclang-rt-14-dev clang-format clang-tidy nlohmann-json3-dev pkg-config binutils)
-hosts=(python3-dev python3-pytest python3-hypothesis python3-pip)
-hosts+=(mono-mcs mono-runtime nunit-console libnunit-framework2.6.3-cil)
-r_host=(r-base-core r-base-dev r-cran-testthat pkg-config)
-bench=(libbenchmark-dev libgsl-dev r-mathlib r-base-core python3-scipy valgrind)
+declare -A sets
+sets[build]="g++ gfortran cmake ninja-build ccache python3 python3-numpy python3-matplotlib python3-mpmath dpkg-dev patch
+             ca-certificates libboost-dev libopenblas-dev liblapacke-dev"
+sets[tour]="${sets[build]} python3-dev"
+sets[check]="${sets[build]} libgtest-dev googletest clang-14 libclang-rt-14-dev clang-format clang-tidy
+             nlohmann-json3-dev pkg-config binutils"
+sets[coverage]="${sets[check]} gcovr"
+sets[hosts]="${sets[check]} python3-dev python3-pytest python3-hypothesis python3-pip python3-pandas python3-scipy
+             python3-dask python3-distributed
+             mono-mcs mono-runtime nunit-console libnunit-framework2.6.3-cil
+             r-base-core r-base-dev r-cran-testthat"
+sets[bench]="${sets[build]} libbenchmark-dev libgsl-dev r-mathlib r-base-core python3-scipy valgrind"
+sets[package]="${sets[hosts]} debhelper lintian"
+sets[windows]="${sets[build]} g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix gfortran-mingw-w64-x86-64-posix
+               gfortran-mingw-w64-i686-posix wine wine64 debootstrap googletest nlohmann-json3-dev"
+sets[browser]="nodejs chromium"
+# Other packages of nodejs than Debian's bring npm with them.
+command -v npm >/dev/null || sets[browser]+=" npm"
+sets[docs]="${sets[build]} python3-sphinx furo python3-myst-parser python3-sphinx-copybutton python3-sphinx-inline-tabs
+            libjs-mathjax python3-scipy"
+sets[site]="${sets[hosts]} ${sets[docs]} ${sets[browser]}"
 
-case "${1:-build}" in
-    build) wanted=("${build[@]}") ;;
-    check) wanted=("${build[@]}" "${check[@]}") ;;
-    bench) wanted=("${build[@]}" "${bench[@]}") ;;
-    hosts) wanted=("${build[@]}" "${check[@]}" "${hosts[@]}" "${r_host[@]}") ;;
-    *) echo "install_packages.sh: '$1' is no set of packages; give build, check, hosts or bench" >&2; exit 2 ;;
-esac
+if [ -z "${1:-}" ] || [ -z "${sets[$1]:-}" ]; then
+    echo "install_packages.sh: '${1:-}' is no set of packages; give one of: ${!sets[*]}" >&2
+    exit 2
+fi
+read -r -d '' -a wanted <<<"${sets[$1]}" || true
 
 stop() { printf 'install_packages.sh: %s\n' "$@" >&2; exit 1; }
 

@@ -38,7 +38,8 @@ def main(built, output):
     abi = "cp" + python.replace(".", "")
     tag = f"{abi}-{abi}-linux_{platform.machine()}"
     info = f"orvanth-{version}.dist-info"
-    files = {f"orvanth/{p.name}": p.read_bytes() for p in sorted(package.iterdir()) if p.is_file()}
+    files = {f"orvanth/{p.relative_to(package)}": p.read_bytes() for p in sorted(package.rglob("*"))
+             if p.is_file() and p.parent.name != "__pycache__"}
     files[f"{info}/METADATA"] = METADATA.format(version=version, python=python).encode()
     files[f"{info}/WHEEL"] = WHEEL.format(tag=tag).encode()
     notices = ROOT / "THIRD_PARTY_NOTICES.md"

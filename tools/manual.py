@@ -4,7 +4,7 @@ A file begins with an introduction to the family. A line '== Name' begins the en
 
     a sentence of one line that says what the export does
     further paragraphs, if needed
-    @par Formula       plain ASCII
+    @par Formula       plain ASCII; mathematics between two $, which only the pages show as such
     @param[in] name    one for each argument; [in], [out] or [in,out]
     @return            what is returned
     @par Edges         the value at each edge
@@ -41,6 +41,7 @@ class Block:
     """A tag and its text: '' for the opening paragraphs, 'param', 'return', or the title of a @par."""
     tag: str
     text: str
+    marked: str = ""  # the text of a formula with the $ around its mathematics
 
 
 @dataclass(frozen=True)
@@ -67,6 +68,14 @@ class Entry:
         """The text under a tag, or None."""
         texts = [block.text for block in self.blocks if block.tag == tag]
         return texts[0] if texts else None
+
+    def formula_pieces(self):
+        """[(whether it is mathematics, text)] of the formula."""
+        marked = next((block.marked for block in self.blocks if block.tag == "Formula"), "")
+        pieces = marked.split("$")
+        if len(pieces) % 2 == 0:
+            raise ValueError(f"{self.name}: Formula: a $ has no partner")
+        return [(i % 2 == 1, piece) for i, piece in enumerate(pieces) if piece]
 
     def scalar_examples(self):
         """[(call, value)] of the lines 'Name(arguments) = value'."""
@@ -102,20 +111,23 @@ def _blocks(text):
         else:
             lines.append(line)
     blocks.append(Block(tag, "\n".join(lines).strip()))
-    return tuple(blocks)
+    return tuple(Block("Formula", b.text.replace("$", ""), b.text) if b.tag == "Formula" else b for b in blocks)
 
 
 def read(folder):
     """The introduction of a folder's exports and the manual entry of each, by name."""
-    path = ROOT / "src" / folder / "exports.txt"
+    return read_file(ROOT / "src" / folder / "exports.txt", {e.name for e in exports() if e.folder == folder})
+
+
+def read_file(path, known):
+    """The introduction and the entries of a file of manual texts. `known` are the names that may have one."""
     if not path.exists():
         return "", {}
     parts = re.split(r"^== (\w+)\s*$", path.read_text(), flags=re.M)
-    known = {e.name for e in exports() if e.folder == folder}
     entries = {}
     for name, text in zip(parts[1::2], parts[2::2]):
         if name not in known:
-            raise ValueError(f"{path}: '{name}' is no export of {folder}/; add its row to exports.def first")
+            raise ValueError(f"{path}: '{name}' has no row in its table; add the row first")
         if name in entries:
             raise ValueError(f"{path}: '{name}' is described twice")
         entries[name] = Entry(name, _blocks(text.strip()))

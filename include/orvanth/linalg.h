@@ -411,7 +411,7 @@ ORVANTH_API(int32_t) LS(double* a, const MatrixDescriptor* aDescriptor, double* 
  *
  * @par Formula
  * @code{.unparsed}
- * A = Q R by Householder reflections in the order of the columns, and x = R^-1 times the first n rows
+ * A = Q R by Householder reflections in the order of the columns, and x is R^-1 times the first n rows
  * of Q' b. Column i stops the call when tolerance times its own length is at least the length of the
  * part of it that is orthogonal to columns 1 to i - 1. A column of zeros counts as of length 1 here.
  * @endcode

@@ -57,7 +57,7 @@
  *
  * @par Formula
  * @code{.unparsed}
- * F(x) = integral over s > 0 of f(s) C(x s), f the density of sqrt(chi-squared / df),
+ * F(x) = integral over s > 0 of f(s) C(x s) ds, f the density of sqrt(chi-squared / df),
  * C(v) = k integral of phi(y) [Phi(c a y) - Phi(c (a y - v))]^(k-1) dy, a = lambda_0,
  * c = 1/sqrt(1 - a^2).
  * F(x) = P(max over i < j of |T_ij| <= x).
@@ -147,7 +147,7 @@ ORVANTH_API(double) MCaICDF(double p, int32_t k, double df, const double* lambda
  *
  * @par Formula
  * @code{.unparsed}
- * F(x) = integral over s > 0 of f(s) C(x s), f the density of sqrt(chi-squared / df),
+ * F(x) = integral over s > 0 of f(s) C(x s) ds, f the density of sqrt(chi-squared / df),
  * C(v) = integral of phi(y) product over j < k-1 of Phi(c_j (lambda_j y + v)) dy,
  * c_j = 1/sqrt(1 - lambda_j^2).
  * F(x) = P(max over j of T_j <= x).
@@ -236,7 +236,7 @@ ORVANTH_API(double) MCbICDF(double p, int32_t k, double df, const double* lambda
  *
  * @par Formula
  * @code{.unparsed}
- * F(x) = integral over s > 0 of f(s) C(x s), f the density of sqrt(chi-squared / df),
+ * F(x) = integral over s > 0 of f(s) C(x s) ds, f the density of sqrt(chi-squared / df),
  * C(v) = integral of phi(y) product over j < k-1 of D_j dy,
  * D_j = Phi(c_j (lambda_j y + v)) - Phi(c_j (lambda_j y - v)), c_j = 1/sqrt(1 - lambda_j^2).
  * F(x) = P(max over j of |T_j| <= x).

@@ -17,6 +17,9 @@
  * distance between the doubles inside it. An element that fails gets a NaN where the export throws, otherwise
  * the value of the export, and the loop goes on. `report` may be null.
  *
+ * `SafeRefined...` and `EachRefined...` are forms of functions that the shield alone has. Each has the arguments of the
+ * export in its name and computes the same quantity more accurately.
+ *
  * Exports that use working storage of the process take one lock inside the shield. A handle of the shield serves one
  * call at a time: a second one meanwhile is refused with the status NotReentrant, a handle that was deleted or never
  * made with the status Handle. Handles of the shield and of the core library are different things. Minimisations with
@@ -28,7 +31,7 @@
 
 #if defined(_WIN32)
 #if defined(ORVANTH_BUILDING_SHIELD)
-#define ORVANTH_SHIELD_API(result) ORVANTH_EXTERN_C __declspec(dllexport) result __cdecl
+#define ORVANTH_SHIELD_API(result) ORVANTH_EXTERN_C result __cdecl
 #else
 #define ORVANTH_SHIELD_API(result) ORVANTH_EXTERN_C __declspec(dllimport) result __cdecl
 #endif
@@ -70,6 +73,8 @@ enum OrvanthStatus {
 
 /** The kind of failure of this thread's last call into the shield; 0 after a success. */
 ORVANTH_SHIELD_API(int32_t) LastStatus(void);
+/** Where the library keeps LastStatus for the calling thread. The address is asked once a thread and read after each call; it holds as long as that thread lives. */
+ORVANTH_SHIELD_API(const int32_t*) LastStatusAddress(void);
 /** What failed in this thread's last call, in words; empty after a success. Valid until the thread's next call. */
 ORVANTH_SHIELD_API(const char*) LastErrorText(void);
 /** The name of the argument at fault in this thread's last call where it is known, otherwise empty. */
@@ -306,6 +311,259 @@ ORVANTH_SHIELD_API(void) EachMCcCDF(char* const* pointers, const intptr_t* dimen
 ORVANTH_SHIELD_API(double) SafeMCcICDF(double p, int32_t k, double df, const double* lambda, TailFlag tail);
 ORVANTH_SHIELD_API(void) EachMCcICDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
                                      EachReport* report);
+
+/*
+ * Refined forms of the multiple-comparison statistics: the arguments and the quantities of the exports
+ * in their names, without the fixed rules. Both rules of integration follow the arguments, the whole
+ * distribution of the scale counts at every df, and each tail is computed as a tail.
+ */
+/**
+ * Refined cumulative probability of the largest of all pairwise comparisons (Tukey).
+ *
+ * @par Formula
+ * @code{.unparsed}
+ * F(x) of MCaCDF: P(max over i < j of |T_ij| <= x). Both integrals are
+ * trapezoidal sums, over the latent variable and over the logarithm of the scale, with steps that
+ * are halved until the sums over the even and over the odd points agree.
+ * @endcode
+ * @param[in] x       the statistic on the scale of t; any double but NaN
+ * @param[in] k       number of groups, 1 to 46341
+ * @param[in] df      degrees of freedom of the scale, at least 0.001; infinity is a known scale
+ * @param[in] lambda  k coefficients in [-0.9999, 0.9999]; the first counts, 1/sqrt 2 for the range
+ * @param[in] tail    zero in its low byte: P(X <= x); otherwise P(X > x), computed as a tail
+ * @return the probability.
+ * @par Edges
+ * x of 0 and below: 0. x = infinity: 1. k = 1: 1. With another lambda[0] than 1/sqrt 2 the value at
+ * infinity is not 1, as in MCaCDF; the upper tail is then 1 minus the lower one.
+ * @par Failure
+ * A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k > 46341, |lambda[0]| >
+ * 0.9999. Argument: k < 0, lambda null. Memory: no memory for k doubles.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
+ * @par Memory
+ * k doubles during the call.
+ * @par Accuracy
+ * Absolute 1e-10, relative 1e-9 down to 1e-12, k to 100; see docs/accuracy/multiple_comparison.md
+ * @par Equivalents
+ * - R: ptukey(x * sqrt(2), k, df)
+ * - SciPy: scipy.stats.studentized_range.cdf(x * sqrt(2), k, df)
+ * @par Example
+ * @code{.unparsed}
+ * RefinedMCaCDF(2.5, 3, 10, {0.7071067811865476, 0, 0}, 0) = 0.925961
+ * RefinedMCaCDF(25, 3, 10, {0.7071067811865476, 0, 0}, 1) = 6.59618e-10
+ * @endcode
+ * @par Source
+ * L. N. Trefethen and J. A. C. Weideman, The exponentially convergent trapezoidal rule, SIAM Review 56
+ * (2014) 385-458
+ */
+ORVANTH_SHIELD_API(double) SafeRefinedMCaCDF(double x, int32_t k, double df, const double* lambda, TailFlag tail);
+ORVANTH_SHIELD_API(void) EachRefinedMCaCDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
+                                           EachReport* report);
+/**
+ * Refined quantile of the largest of all pairwise comparisons (Tukey).
+ *
+ * @par Formula
+ * @code{.unparsed}
+ * The x with RefinedMCaCDF(x, k, df, lambda, tail) = p, by Algorithm 748 on the logarithm of the
+ * smaller tail.
+ * @endcode
+ * @param[in] p       probability in (0, 1); 0 of the lower tail has a value
+ * @param[in] k       number of groups, 2 to 46341
+ * @param[in] df      degrees of freedom, at least 0.001; infinity is a known scale
+ * @param[in] lambda  k coefficients in [-0.9999, 0.9999]; the first counts, 1/sqrt 2 for the range
+ * @param[in] tail    zero in its low byte: P(X <= x) = p; otherwise P(X > x) = p
+ * @return x.
+ * @par Edges
+ * p = 0, with a set tail p = 1: 0. A quantile above 1e307 is a failure.
+ * @par Failure
+ * A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+ * |lambda[0]| > 0.9999; p beyond what is reached with another lambda[0] than 1/sqrt 2. Overflow: p =
+ * 1, with a set tail p = 0. Argument: k < 0, lambda null. Memory: no memory for k doubles.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
+ * @par Memory
+ * k doubles during the call.
+ * @par Accuracy
+ * Relative error 1e-8 for k to 100; see docs/accuracy/multiple_comparison.md
+ * @par Equivalents
+ * - R: qtukey(p, k, df) / sqrt(2)
+ * - SciPy: scipy.stats.studentized_range.ppf(p, k, df) / sqrt(2)
+ * @par Example
+ * @code{.unparsed}
+ * RefinedMCaICDF(0.95, 3, 10, {0.7071067811865476, 0, 0}, 0) = 2.74130
+ * RefinedMCaICDF(1e-10, 3, 10, {0.7071067811865476, 0, 0}, 1) = 30.2617
+ * @endcode
+ * @par Source
+ * G. E. Alefeld, F. A. Potra and Y. Shi, Algorithm 748, ACM Transactions on Mathematical Software 21
+ * (1995) 327-344
+ */
+ORVANTH_SHIELD_API(double) SafeRefinedMCaICDF(double p, int32_t k, double df, const double* lambda, TailFlag tail);
+ORVANTH_SHIELD_API(void) EachRefinedMCaICDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
+                                            EachReport* report);
+/**
+ * Refined cumulative probability of the largest one-sided comparison with one group (Hsu).
+ *
+ * @par Formula
+ * @code{.unparsed}
+ * F(x) of MCbCDF: P(max over j of T_j <= x). Both integrals are
+ * trapezoidal sums, over the latent variable and over the logarithm of the scale, with steps that
+ * are halved until the sums over the even and over the odd points agree.
+ * @endcode
+ * @param[in] x       the statistic on the scale of t; any double but NaN
+ * @param[in] k       number of groups, 1 to 46341
+ * @param[in] df      degrees of freedom of the scale, at least 0.001; infinity is a known scale
+ * @param[in] lambda  k coefficients in [-0.9999, 0.9999]; the first k - 1 count
+ * @param[in] tail    zero in its low byte: P(X <= x); otherwise P(X > x), computed as a tail
+ * @return the probability.
+ * @par Edges
+ * x = infinity: 1. x = -infinity: 0. k = 1: 1.
+ * @par Failure
+ * A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k > 46341, |lambda[j]| >
+ * 0.9999 for a j below k - 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
+ * @par Memory
+ * k doubles during the call.
+ * @par Accuracy
+ * Absolute 1e-10, relative 1e-9 down to 1e-12, k to 100; see docs/accuracy/multiple_comparison.md
+ * @par Equivalents
+ * - R: mvtnorm::pmvt(upper = rep(x, k - 1), df = df, corr = C), C[i, j] = lambda_i lambda_j
+ * - SciPy: scipy.stats.multivariate_t(shape=C, df=df).cdf([x] * (k - 1)), by simulation
+ * @par Example
+ * @code{.unparsed}
+ * RefinedMCbCDF(2.5, 3, 10, {0.6, 0.8, 0.5}, 0) = 0.971763
+ * RefinedMCbCDF(25, 3, 10, {0.6, 0.8, 0.5}, 1) = 2.30734e-10
+ * @endcode
+ * @par Source
+ * L. N. Trefethen and J. A. C. Weideman, The exponentially convergent trapezoidal rule, SIAM Review 56
+ * (2014) 385-458
+ */
+ORVANTH_SHIELD_API(double) SafeRefinedMCbCDF(double x, int32_t k, double df, const double* lambda, TailFlag tail);
+ORVANTH_SHIELD_API(void) EachRefinedMCbCDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
+                                           EachReport* report);
+/**
+ * Refined quantile of the largest one-sided comparison with one group (Hsu).
+ *
+ * @par Formula
+ * @code{.unparsed}
+ * The x with RefinedMCbCDF(x, k, df, lambda, tail) = p, by Algorithm 748 on the logarithm of the
+ * smaller tail.
+ * @endcode
+ * @param[in] p       probability in (0, 1)
+ * @param[in] k       number of groups, 2 to 46341
+ * @param[in] df      degrees of freedom, at least 0.001; infinity is a known scale
+ * @param[in] lambda  k coefficients in [-0.9999, 0.9999]; the first k - 1 count
+ * @param[in] tail    zero in its low byte: P(X <= x) = p; otherwise P(X > x) = p
+ * @return x.
+ * @par Edges
+ * A quantile above 1e307 is a failure.
+ * @par Failure
+ * A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+ * |lambda[j]| > 0.9999 for a j below k - 1. Overflow: p = 1, with a set tail p = 0; p = 0, with a set
+ * tail p = 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
+ * @par Memory
+ * k doubles during the call.
+ * @par Accuracy
+ * Relative error 1e-8 for k to 100; see docs/accuracy/multiple_comparison.md
+ * @par Equivalents
+ * - R: mvtnorm::qmvt(p, tail = "lower.tail", df = df, corr = C)$quantile
+ * - SciPy: none; scipy.stats.dunnett has p-values
+ * @par Example
+ * @code{.unparsed}
+ * RefinedMCbICDF(0.95, 3, 10, {0.6, 0.8, 0.5}, 0) = 2.15460
+ * RefinedMCbICDF(1e-10, 3, 10, {0.6, 0.8, 0.5}, 1) = 27.2111
+ * @endcode
+ * @par Source
+ * G. E. Alefeld, F. A. Potra and Y. Shi, Algorithm 748, ACM Transactions on Mathematical Software 21
+ * (1995) 327-344
+ */
+ORVANTH_SHIELD_API(double) SafeRefinedMCbICDF(double p, int32_t k, double df, const double* lambda, TailFlag tail);
+ORVANTH_SHIELD_API(void) EachRefinedMCbICDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
+                                            EachReport* report);
+/**
+ * Refined cumulative probability of the largest two-sided comparison with a control (Dunnett).
+ *
+ * @par Formula
+ * @code{.unparsed}
+ * F(x) of MCcCDF: P(max over j of |T_j| <= x). Both integrals are
+ * trapezoidal sums, over the latent variable and over the logarithm of the scale, with steps that
+ * are halved until the sums over the even and over the odd points agree.
+ * @endcode
+ * @param[in] x       the statistic on the scale of t; any double but NaN
+ * @param[in] k       number of groups, 1 to 46341
+ * @param[in] df      degrees of freedom of the scale, at least 0.001; infinity is a known scale
+ * @param[in] lambda  k coefficients in [-0.9999, 0.9999]; the first k - 1 count
+ * @param[in] tail    zero in its low byte: P(X <= x); otherwise P(X > x), computed as a tail
+ * @return the probability.
+ * @par Edges
+ * x of 0 and below: 0. x = infinity: 1. k = 1: 1.
+ * @par Failure
+ * A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k > 46341, |lambda[j]| >
+ * 0.9999 for a j below k - 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
+ * @par Memory
+ * k doubles during the call.
+ * @par Accuracy
+ * Absolute 1e-10, relative 1e-9 down to 1e-12, k to 100; see docs/accuracy/multiple_comparison.md
+ * @par Equivalents
+ * - R: mvtnorm::pmvt(rep(-x, k - 1), rep(x, k - 1), df = df, corr = C), C[i, j] = lambda_i lambda_j
+ * - SciPy: scipy.stats.multivariate_t(shape=C, df=df).cdf(b, lower_limit=-b), b of k - 1 elements x
+ * @par Example
+ * @code{.unparsed}
+ * RefinedMCcCDF(2.5, 3, 10, {0.6, 0.8, 0.5}, 0) = 0.943620
+ * RefinedMCcCDF(25, 3, 10, {0.6, 0.8, 0.5}, 1) = 4.61428e-10
+ * @endcode
+ * @par Source
+ * L. N. Trefethen and J. A. C. Weideman, The exponentially convergent trapezoidal rule, SIAM Review 56
+ * (2014) 385-458
+ */
+ORVANTH_SHIELD_API(double) SafeRefinedMCcCDF(double x, int32_t k, double df, const double* lambda, TailFlag tail);
+ORVANTH_SHIELD_API(void) EachRefinedMCcCDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
+                                           EachReport* report);
+/**
+ * Refined quantile of the largest two-sided comparison with a control (Dunnett).
+ *
+ * @par Formula
+ * @code{.unparsed}
+ * The x with RefinedMCcCDF(x, k, df, lambda, tail) = p, by Algorithm 748 on the logarithm of the
+ * smaller tail.
+ * @endcode
+ * @param[in] p       probability in (0, 1); 0 of the lower tail has a value
+ * @param[in] k       number of groups, 2 to 46341
+ * @param[in] df      degrees of freedom, at least 0.001; infinity is a known scale
+ * @param[in] lambda  k coefficients in [-0.9999, 0.9999]; the first k - 1 count
+ * @param[in] tail    zero in its low byte: P(X <= x) = p; otherwise P(X > x) = p
+ * @return x.
+ * @par Edges
+ * p = 0, with a set tail p = 1: 0. A quantile above 1e307 is a failure.
+ * @par Failure
+ * A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+ * |lambda[j]| > 0.9999 for a j below k - 1. Overflow: p = 1, with a set tail p = 0. Argument: k < 0,
+ * lambda null. Memory: no memory for k doubles.
+ * @par Threads
+ * Reentrant: calls may overlap in time.
+ * @par Memory
+ * k doubles during the call.
+ * @par Accuracy
+ * Relative error 1e-8 for k to 100; see docs/accuracy/multiple_comparison.md
+ * @par Equivalents
+ * - R: mvtnorm::qmvt(p, tail = "both.tails", df = df, corr = C)$quantile
+ * - SciPy: none; scipy.stats.dunnett has p-values
+ * @par Example
+ * @code{.unparsed}
+ * RefinedMCcICDF(0.95, 3, 10, {0.6, 0.8, 0.5}, 0) = 2.57185
+ * RefinedMCcICDF(1e-10, 3, 10, {0.6, 0.8, 0.5}, 1) = 29.1875
+ * @endcode
+ * @par Source
+ * G. E. Alefeld, F. A. Potra and Y. Shi, Algorithm 748, ACM Transactions on Mathematical Software 21
+ * (1995) 327-344
+ */
+ORVANTH_SHIELD_API(double) SafeRefinedMCcICDF(double p, int32_t k, double df, const double* lambda, TailFlag tail);
+ORVANTH_SHIELD_API(void) EachRefinedMCcICDF(char* const* pointers, const intptr_t* dimensions, const intptr_t* steps,
+                                            EachReport* report);
 
 /* noncentral hypergeometric */
 /** Cumulative probability of Fisher's noncentral hypergeometric distribution. */

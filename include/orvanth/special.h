@@ -501,8 +501,8 @@ ORVANTH_API(double) BetaDerivative(double a, double b, double x);
  * @par Memory
  * None.
  * @par Accuracy
- * Relative 1e-9 or better for a and b from 1e-12 to 1e12; limit distributions stand in beyond
- * (docs/accuracy/exports.md).
+ * Relative 1e-9 or better (docs/accuracy/exports.md). Limit distributions stand in for a or b above
+ * 1e12.
  * @par Equivalents
  * - R: qbeta(p, a, b)
  * - SciPy: scipy.special.betaincinv(a, b, p)

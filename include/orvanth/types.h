@@ -13,8 +13,8 @@
 #define ORVANTH_EXTERN_C extern
 #endif
 #if defined(_WIN32)
-#if defined(ORVANTH_BUILDING_LIBRARY)
-#define ORVANTH_API(result) ORVANTH_EXTERN_C __declspec(dllexport) result __cdecl
+#if defined(ORVANTH_STATIC) /* linked in: a module definition names what a DLL exports */
+#define ORVANTH_API(result) ORVANTH_EXTERN_C result __cdecl
 #else
 #define ORVANTH_API(result) ORVANTH_EXTERN_C __declspec(dllimport) result __cdecl
 #endif

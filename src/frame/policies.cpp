@@ -30,7 +30,7 @@ std::string Opening(const char* function, const char* type) {
 }
 
 std::string Text(const char* function, const char* message, const char* type) {
-    return Opening(function, type) + (message ? message : "Cause unknown");
+    return Opening(function, type) + message;
 }
 
 std::string Text(const char* function, const char* message, double value, const char* type) {

@@ -75,14 +75,18 @@ inline int Refuse(Arguments... arguments) noexcept {
         using Argument = decltype(argument);
         if constexpr (!isMatrixExport) Learn(extent, argument);
         if constexpr (std::is_pointer_v<Argument>) {
-            const bool needed =
-                std::is_same_v<Argument, const MatrixDescriptor*> || !isMatrixExport || !extent.matrixIsEmpty;
             constexpr bool isCounted = std::is_same_v<Argument, const double*> && !isMatrixExport;
-            if (refused == 0 && isCounted && extent.lastInteger < 0) {
-                NoteArgument(facts, index, "has a negative length");
-                refused = index + 1;
-            } else if (refused == 0 && argument == nullptr && needed && !(isCounted && extent.lastInteger == 0) &&
-                       (facts.nullable >> index & 1) == 0) {
+            constexpr bool isDescriptor = std::is_same_v<Argument, const MatrixDescriptor*>;
+            bool isUnused = (facts.nullable >> index & 1) != 0;
+            if constexpr (isMatrixExport && !isDescriptor) isUnused |= extent.matrixIsEmpty;
+            if constexpr (isCounted) {
+                isUnused |= extent.lastInteger == 0;
+                if (refused == 0 && extent.lastInteger < 0) {
+                    NoteArgument(facts, index, "has a negative length");
+                    refused = index + 1;
+                }
+            }
+            if (refused == 0 && argument == nullptr && !isUnused) {
                 NoteArgument(facts, index, "is null");
                 refused = index + 1;
             }

@@ -2,6 +2,6 @@
 
 namespace orvanth::shield {
 
-constinit std::mutex workspaceLock;
+ORVANTH_CONSTINIT_MUTEX std::mutex workspaceLock;
 
 }  // namespace orvanth::shield

@@ -37,7 +37,8 @@ BetaPoint InverseBetaPoint(const char* function, double a, double b, double p, d
     if (a == 1 && b == 1) return {p, q};
     if (IsBetaLimit(a, b)) return InverseBetaLimit(a, b, p, q);
     const auto bisect = [=] { return BisectBeta(a, b, p, q); };
-    if (p < kTinyBetaProbability || q < kTinyBetaProbability) return bisect();
+    if (p < kTinyBetaProbability || q < kTinyBetaProbability || a < kTinyBetaParameter || b < kTinyBetaParameter)
+        return bisect();
     return SearchOrFinish(
         function,
         [=] {

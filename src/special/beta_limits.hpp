@@ -11,9 +11,7 @@ namespace orvanth {
 inline constexpr double kHugeBetaParameter = 1e12;
 inline constexpr double kTinyBetaParameter = 1e-12;
 
-inline bool IsBetaLimit(double a, double b) {
-    return a > kHugeBetaParameter || b > kHugeBetaParameter || a < kTinyBetaParameter || b < kTinyBetaParameter;
-}
+inline bool IsBetaLimit(double a, double b) { return a > kHugeBetaParameter || b > kHugeBetaParameter; }
 
 // Beyond this the forward function takes its limits: the gamma distribution if one parameter is
 // that large, to all digits, the normal one if both are, to a relative 1e-7.

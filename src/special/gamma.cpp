@@ -183,7 +183,7 @@ ORVANTH_API(double) Gamma(double x) {
     if (x < 0 || x > kLargestGammaArgument) return kNaN;
     if (x == 0) return kInfinity;
     if (std::isnan(x)) return x;
-    return Narrow(boost::math::tgamma(x, DefaultPolicy()), "boost::math::tgamma<%1%>(%1%)");
+    return Narrow(UncheckedGamma(x), "boost::math::tgamma<%1%>(%1%)");
 }
 
 ORVANTH_API(double) GammaLn(double x) {

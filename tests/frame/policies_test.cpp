@@ -9,6 +9,7 @@
 
 #include <boost/exception/exception.hpp>
 #include <boost/math/special_functions/gamma.hpp>
+#include <boost/math/special_functions/trunc.hpp>
 
 #include "support/call.hpp"
 
@@ -37,6 +38,24 @@ TEST(Policies, MissingTemplateAndMessageHaveTextsOfTheirOwn) {
               "Cause unknown: error caused by bad argument with value 2");
     EXPECT_EQ(ThrownText<std::overflow_error>([] { RaiseOverflow("f<%1%>(%1%)"); }),
               "Error in function f<double>(double): Overflow Error");
+    EXPECT_EQ(ThrownText<std::overflow_error>([] { RaiseOverflow(nullptr, "bad"); }),
+              "Error in function Unknown function operating on type double: bad");
+    EXPECT_STREQ(TypeNamedBy(nullptr, nullptr), kLongDouble);
+    EXPECT_STREQ(TypeNamedBy(nullptr, "numeric overflow"), kDouble);
+    EXPECT_STREQ(TypeNamedBy("f", "bad"), kLongDouble);
+}
+
+TEST(Policies, ARoundingErrorOfBoostComesThroughTheSamePlace) {
+    constexpr const char* text =
+        "Error in function boost::math::itrunc<double>(double): Value 10000000000 can not be represented in the "
+        "target "
+        "integer type.";
+    EXPECT_EQ(ThrownText<boost::math::rounding_error>([] { boost::math::itrunc(1e10, DefaultPolicy()); }), text);
+    EXPECT_EQ(ThrownText<boost::math::rounding_error>([] {
+                  Silent silent;
+                  boost::math::itrunc(1e10, DefaultPolicy());
+              }),
+              text);
 }
 
 TEST(Policies, TheObjectThatTravelsIsTheCloneableWrapper) {
@@ -114,6 +133,27 @@ TEST(Policies, NarrowingPassesNaNAndStopsInfinity) {
     EXPECT_EQ(Narrow(kLargest, "f"), kLargest);
     EXPECT_EQ(ThrownText<std::overflow_error>([] { Narrow(kInfinity, "f<%1%>(%1%)"); }),
               "Error in function f<double>(double): numeric overflow");
+}
+
+TEST(PoliciesThread, ErrnoBelongsToItsThread) {
+    errno = 0;
+    Silent silent;
+    RaiseDomain("f", "m", 1);
+    int noted = 0, left = 0;
+    std::thread([&] {
+        EXPECT_EQ(&ErrnoOfThread(), &errno);
+        {
+            Silent other;
+            RaiseOverflow("f");
+        }
+        noted = std::exchange(errno, 7);
+        { Throwing throwing; }
+        left = errno;
+    }).join();
+    EXPECT_EQ(noted, 34);
+    EXPECT_EQ(left, 7);
+    EXPECT_EQ(errno, 0);
+    EXPECT_EQ(&ErrnoOfThread(), &errno);
 }
 
 TEST(PoliciesThread, SilenceBelongsToOneThread) {

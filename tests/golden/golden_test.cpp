@@ -15,6 +15,7 @@
 #include "golden/golden_row.hpp"
 #include "golden/invoke.hpp"
 #include "support/library.hpp"
+#include "support/precision_word.hpp"
 
 namespace {
 
@@ -31,12 +32,16 @@ struct Entry {
 };
 
 template <class Function>
-Entry MakeEntry(const orvanth::test::Library& library, const char* name) {
+Entry MakeEntry(const orvanth::test::Library& library, const char* name, Function linkedIn) {
     Entry entry;
     const auto function = library.Find<Function>(name);
     entry.present = function != nullptr;
     if constexpr (Signature<Function>::kHasRows)
-        if (entry.present) entry.run = [=](const Row& row, int before) { return Invoke(function, row, before); };
+        if (entry.present)
+            entry.run = [=](const Row& row, int before) {
+                const orvanth::test::PrecisionWord word;
+                return Invoke(FunctionFor(row, function, linkedIn), row, before);
+            };
     return entry;
 }
 
@@ -49,7 +54,8 @@ const orvanth::test::Library& CoreMath() {
 
 const std::map<std::string, Entry>& Entries() {
     static const std::map<std::string, Entry> entries{
-#define EXPORT(folder, name, result, arguments, ...) {#name, MakeEntry<result(*) arguments>(CoreMath(), #name)},
+#define EXPORT(folder, name, result, arguments, ...) \
+    {#name, MakeEntry<result(*) arguments>(CoreMath(), #name, ORVANTH_FOR_ROWS_THAT_THROW(name))},
 #include "frame/exports.def"
 #undef EXPORT
     };
@@ -135,5 +141,5 @@ int main(int argc, char** argv) {
     for (auto& [name, rows] : RowsByExport())
         testing::RegisterTest("GoldenRows", name.c_str(), nullptr, nullptr, __FILE__, __LINE__,
                               [name = name, rows = rows]() -> testing::Test* { return new GoldenRows(name, rows); });
-    return RUN_ALL_TESTS();
+    return orvanth::test::OnAThreadOfTheHost([] { return RUN_ALL_TESTS(); });
 }

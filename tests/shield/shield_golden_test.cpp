@@ -12,6 +12,7 @@
 #include "golden/golden_row.hpp"
 #include "golden/invoke.hpp"
 #include "orvanth/shield.h"
+#include "support/precision_word.hpp"
 
 namespace {
 
@@ -78,6 +79,7 @@ void CompareSafe(const char* name, Function function, Function safe) {
         for (const Row& row : rows->second)
             for (int errnoBefore : {0, 7}) {
                 const Outcome plain = Invoke(function, row, errnoBefore);
+                const orvanth::test::PrecisionWord word;
                 const Outcome shielded = Invoke(safe, row, errnoBefore);
                 ExpectSafe(row, plain, shielded, errnoBefore);
             }

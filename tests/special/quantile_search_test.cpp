@@ -7,6 +7,7 @@
 
 #include <boost/math/policies/error_handling.hpp>
 
+#include "orvanth/distributions.h"
 #include "support/call.hpp"
 
 namespace {
@@ -85,6 +86,35 @@ TEST(Try, KeepsAnEarlierFailureOfTheSameCall) {
     });
     EXPECT_EQ(call.value, 2);
     EXPECT_EQ(call.errnoAfter, 33);
+}
+
+struct QuantileRow {
+    double p, first, second;
+    TailFlag tail;
+    double value;
+};
+
+// The values of the next two tests come from 330 digits: the hypergeometric series where a parameter is tiny, the
+// continued fraction where both are large.
+TEST(InverseBeta, ATinyParameterKeepsTheShapeOfItsSmallMass) {
+    for (QuantileRow row : {QuantileRow{1.9e-12, 7.2e-13, 1.87, 1, 0.029427852184563958229},
+                            {2e-10, 1e-12, 0.5, 1, 5.5355859962260607995e-87},
+                            {1e-250, 1e-252, 2, 1, 1.3685394711738377475e-44},
+                            {5e-14, 9e-14, 40, 1, 0.012665318918491378395}})
+        // The logarithm of the result is proportional to p: one unit of p moves 1e-14 of the smallest.
+        EXPECT_NEAR(BetaICDF(row.p, row.first, row.second, row.tail) / row.value, 1, 1e-13) << row.first;
+    EXPECT_NEAR(FisherFICDF(1.9e-12, 3.74, 1.44e-12, 0) / 1.2698725876838128015e-11, 1, 1e-13);
+}
+
+TEST(InverseBeta, LargeParametersAreAnsweredToElevenDigits) {
+    for (QuantileRow row : {QuantileRow{1e-10, 4e12, 2e9, 0, 0.99979881376787350602},
+                            {0.3, 2e13, 2e11, 0, 0.99999833343424176385},
+                            {0.001, 1.8e14, 1e8, 1, 1.0004371589933397978},
+                            {1e-30, 3e12, 4e12, 1, 1.0000123826348523373},
+                            {0.05, 6e12, 2e14, 0, 0.99999903620393957464},
+                            {0.2, 5e12, 3e7, 1, 1.0002173600339131376},
+                            {1e-12, 2e8, 9e12, 0, 0.99929670541372905339}})
+        EXPECT_NEAR(FisherFICDF(row.p, row.first, row.second, row.tail), row.value, 1e-11) << row.first;
 }
 
 }  // namespace

@@ -16,7 +16,8 @@ FOLDER = ROOT / "hosts" / "dotnet" / "src" / "Generated"
 LIBRARY = "Orvanth.Core.Math.Shield"
 # Where the field's word differs from the export's.
 CLASSES = {"MCa": "MultipleComparison.Tukey", "MCb": "MultipleComparison.Hsu", "MCc": "MultipleComparison.Dunnett",
-           "FNCHypergeometric": "NoncentralHypergeometric"}
+           "RefinedMCa": "MultipleComparison.RefinedTukey", "RefinedMCb": "MultipleComparison.RefinedHsu",
+           "RefinedMCc": "MultipleComparison.RefinedDunnett", "FNCHypergeometric": "NoncentralHypergeometric"}
 FOLDERS = {"special": "SpecialFunctions", "linalg": "LinearAlgebra"}
 METHODS = {"PDF": "Pdf", "CDF": "Cdf", "ICDF": "Quantile"}
 # An int32_t with one of these names is a choice between two.
@@ -24,6 +25,7 @@ CHOICES = {"complement": "Tail", "roundUp": "bool", "transpose": "bool", "upper"
 TYPES = {"double": "double", "int32_t": "int", "const double*": "double[]", "double*": "double[]", "int32_t*": "int[]",
          "const int32_t*": "int[]", table.DESCRIPTOR: "ref MatrixDescriptor", "TailFlag": "int", "void": "void",
          "const char*": "IntPtr", "RandomStreamHandle": "IntPtr", "LBFGSBDriverState*": "IntPtr"}
+RESULTS = {"const int32_t*": "int*"}  # of the functions of the shield itself
 KEYWORDS = set("base bool byte case char checked const decimal default double event fixed float for if in int is lock "
                "long new null object operator out params ref short sizeof static string this unsafe void".split())
 REQUIRE = "    if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();"
@@ -45,7 +47,7 @@ def name_of(argument):
 @cache
 def prefixes(folder):
     """The names before PDF, CDF and ICDF in a folder, the longest first."""
-    found = {m[1] for e in exports() if e.folder == folder and table.has_array_form(e)
+    found = {m[1] for e in table.functions() if e.folder == folder and table.has_array_form(e)
              for m in [re.fullmatch(r"(\w+?)(PDF|I?CDF)", e.name)] if m}
     return sorted(found, key=lambda p: (-len(p), p))
 
@@ -101,7 +103,7 @@ def documentation(export, is_array=False, note=None):
     for title in ("Formula", "Edges", "Failure", "Memory", "Accuracy", "Equivalents", "Source"):
         text = entry.section(title) if entry else None
         if text and not is_array:
-            title = "Failure of the C export" if title == "Failure" else title
+            title = "Failure of the C export" if title == "Failure" and export not in table.refined() else title
             parts += [f"<para>{title}</para>", *comment("code" if title == "Formula" else "para", text)]
     if parts:
         lines += ["<remarks>", *parts, "</remarks>"]
@@ -121,8 +123,8 @@ def native():
     for own in table.own_functions():
         # The question after each call; it touches nothing but a number of the thread.
         quick = ["#if NET5_0_OR_GREATER", "[SuppressGCTransition]", "#endif"] if own.name == "LastStatus" else []
-        lines += ["", *_indent(extern(TYPES[own.result], own.name, [f"{TYPES[a.type]} {name_of(a)}" for a in own.arguments], quick))]
-    for e in exports():
+        lines += ["", *_indent(extern(RESULTS.get(own.result) or TYPES[own.result], own.name, [f"{TYPES[a.type]} {name_of(a)}" for a in own.arguments], quick))]
+    for e in table.functions():
         arguments = [f"{TYPES[a.type]} {name_of(a)}" for a in e.arguments]
         if e.result == "void" and table.has_array_form(e):
             arguments = [f"{'out double' if a.written else TYPES[a.type]} {name_of(a)}" for a in e.arguments]
@@ -170,7 +172,7 @@ def scalar_method(export, method):
     value = "result" if result else name_of(table.outputs(export)[0])
     return [*documentation(export), f'[LibraryExport("{export.name}")]',
             f"public static {export.result} {method}({', '.join(parameters)})", "{", REQUIRE, *length_guards(export),
-            f"    {result}{call}", f"    if (Native.LastStatus() != 0) Failure.Throw({value});",
+            f"    {result}{call}", f"    if (LastStatus.IsFailure) Failure.Throw({value});",
             *(["    return result;"] if result else []), "}"]
 
 
@@ -199,7 +201,7 @@ def low_level_method(export, method):
     # A positive status is an answer (a column, a position), a negative one a failure.
     test = "result < 0 && " if export.result == "int32_t" else ""
     lines += [f"    {call}"] if result == "void" else []
-    lines += [f"    if ({test}Native.LastStatus() != 0) Failure.Throw(double.NaN);"]
+    lines += [f"    if ({test}LastStatus.IsFailure) Failure.Throw(double.NaN);"]
     return [*documentation(export, note=LOW_LEVEL), f'[LibraryExport("{export.name}")]', "[EditorBrowsable(EditorBrowsableState.Advanced)]",
             f"public static {result} {method}({', '.join(parameters)})", "{", REQUIRE, *length_guards(export), *guards, *lines,
             *([] if result == "void" else ["    return result;"]), "}"]
@@ -218,7 +220,7 @@ def spaced(name):
 
 def classes(folder):
     """The classes of a folder's exports, or None."""
-    wanted = [e for e in exports() if e.folder == folder and not table.by_hand(e)]
+    wanted = [e for e in table.functions() if e.folder == folder and not table.by_hand(e)]
     if not wanted:
         return None
     lines, opened = [], set()

@@ -16,8 +16,8 @@ KINDS = {"double": "float", "int32_t": "int", "TailFlag": "bool", table.ARRAY: "
 
 
 def snake(name):
-    """NormalCDF: normal_cdf; MCaICDF: mca_icdf; QR_Qy: qr_qy; InverseBetaRegularizedC2: inverse_beta_regularized_c2"""
-    name = re.sub(r"^MC([abc])", lambda m: "Mc" + m[1], name)
+    """NormalCDF: normal_cdf; MCaICDF: mca_icdf; RefinedMCaCDF: refined_mca_cdf; QR_Qy: qr_qy; InverseBetaRegularizedC2: inverse_beta_regularized_c2"""
+    name = re.sub(r"^(Refined)?MC([abc])", lambda m: (m[1] or "") + "Mc" + m[2], name)
     name = re.sub(r"^FNC", "Fnc", name).replace("LogXplus1", "LogXPlus1").replace("ErfC", "Erfc")
     name = re.sub(r"(PDF|I?CDF|PS)$", lambda m: "_" + m[1].lower(), name)
     name = re.sub(r"(?<=[a-z0-9])(?=[A-Z])", "_", name)
@@ -108,10 +108,11 @@ def docstring(export, parameters, function, keywords=None):
     returned = (entry.section("return") if entry else None) or "the results"
     lines += ["", "Returns", "-------", ", ".join(results(export)) + " : float"]
     lines += ["    " + line.strip() for line in returned.splitlines()]
+    titles = {"Source": "References", "Failure": "Failure" if export in table.refined() else "Failure of the plain export"}
     for title in ("Formula", "Edges", "Failure", "Source"):
         text = entry.section(title) if entry else None
         if text:
-            lines += paragraph({"Source": "References", "Failure": "Failure of the plain export"}.get(title, title), text)
+            lines += paragraph(titles.get(title, title), text)
     lines += paragraph("Notes", "An element that fails is NaN where the library has no value, and raises NumPy's flag "
                        "'invalid'\nor 'over', as np.errstate says. orvanth.last_error() has the library's own text.")
     example = examples(export, function, keywords)
@@ -125,7 +126,7 @@ def c_string(text):
 
 
 def array_forms():
-    return [e for e in exports() if table.has_array_form(e)]
+    return [e for e in table.functions() if table.has_array_form(e)]
 
 
 def ufunc_rows():
@@ -190,7 +191,7 @@ def native():
 def stubs():
     lines = [f"# {table.MARK}", "from typing import Any", "", "import numpy as np",
              "from numpy.typing import ArrayLike, NDArray", "",
-             "from . import linalg as linalg", "from . import random as random",
+             "from . import linalg as linalg", "from . import random as random", "from . import stats as stats",
              "from .errors import ArgumentError as ArgumentError", "from .errors import CollinearityError as CollinearityError",
              "from .errors import last_error as last_error", "from .optimize import OptimizeResult as OptimizeResult",
              "from .optimize import minimize as minimize", "from .random import RandomStream as RandomStream", "",

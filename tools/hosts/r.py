@@ -6,7 +6,7 @@ has already gets the prefix orv_, and then the arguments have base R's names too
 import re
 import textwrap
 
-from signature_table import ROOT, exports
+from signature_table import ROOT
 
 from hosts import table
 from hosts.python import _split, snake
@@ -15,11 +15,11 @@ PACKAGE = ROOT / "hosts" / "r"
 # The names that R or the literature uses; any other law has its own name in lower case.
 LAWS = {"Normal": "norm", "StudentT": "t", "ChiSquared": "chisq", "FisherF": "f", "Binomial": "binom",
         "Hypergeometric": "hypergeom", "FNCHypergeometric": "fnchypergeom", "MCa": "tukey", "MCb": "hsu",
-        "MCc": "dunnett"}
+        "MCc": "dunnett", "RefinedMCa": "tukey_refined", "RefinedMCb": "hsu_refined", "RefinedMCc": "dunnett_refined"}
 IN_BASE = {"norm", "t", "chisq", "f", "beta", "gamma", "binom", "tukey"}  # each with d, p, q, and gamma, beta alone
 # Arguments as base R calls them, by law and by name in the table.
 RENAMED = {("beta", "a"): "shape1", ("beta", "b"): "shape2", ("binom", "n"): "size", ("binom", "p"): "prob",
-           ("tukey", "k"): "nmeans"}
+           ("tukey", "k"): "nmeans", ("tukey_refined", "k"): "nmeans"}
 DEFAULTS = {("norm", "mean"): "mean = 0", ("norm", "sd"): "sd = 1", ("gamma", "scale"): "rate = 1, scale = 1 / rate",
             "lambda": "lambda = sqrt(0.5)", "roundUp": "roundUp = TRUE", "accuracy": "accuracy = 0"}
 TAILS = ("tail", "complement")
@@ -41,7 +41,7 @@ class Function:
         base = self.law if match else snake(export.name)
         self.name = ("orv_" if base in IN_BASE else "") + (self.letter or "") + base
         self.topic = match[1] if match else self.name
-        self.scaled = self.law == "tukey"
+        self.scaled = self.law in ("tukey", "tukey_refined")
         inputs = table.inputs(export)
         self.arguments = [self._name(a, i) for i, a in enumerate(inputs)]  # in the order of the table
         self.inputs = dict(zip(self.arguments, inputs))
@@ -123,7 +123,7 @@ def wrapped(head, pieces, tail, width=88):
 
 
 def functions():
-    return [Function(e) for e in exports() if table.has_array_form(e)]
+    return [Function(e) for e in table.functions() if table.has_array_form(e)]
 
 
 def c_rows():

@@ -1,6 +1,8 @@
 """The shield: its header, its version script and the forms of the exports."""
 import re
 
+import generate_interface
+import manual
 from signature_table import ROOT, exports, folders
 
 from hosts import table
@@ -24,6 +26,9 @@ HEADER_TOP = """\
  * distance between the doubles inside it. An element that fails gets a NaN where the export throws, otherwise
  * the value of the export, and the loop goes on. `report` may be null.
  *
+ * `SafeRefined...` and `EachRefined...` are forms of functions that the shield alone has. Each has the arguments of the
+ * export in its name and computes the same quantity more accurately.
+ *
  * Exports that use working storage of the process take one lock inside the shield. A handle of the shield serves one
  * call at a time: a second one meanwhile is refused with the status NotReentrant, a handle that was deleted or never
  * made with the status Handle. Handles of the shield and of the core library are different things. Minimisations with
@@ -35,7 +40,7 @@ HEADER_TOP = """\
 
 #if defined(_WIN32)
 #if defined(ORVANTH_BUILDING_SHIELD)
-#define ORVANTH_SHIELD_API(result) ORVANTH_EXTERN_C __declspec(dllexport) result __cdecl
+#define ORVANTH_SHIELD_API(result) ORVANTH_EXTERN_C result __cdecl
 #else
 #define ORVANTH_SHIELD_API(result) ORVANTH_EXTERN_C __declspec(dllimport) result __cdecl
 #endif
@@ -89,6 +94,15 @@ def constant(name):
     return re.sub(r"(?<=[a-z])(?=[A-Z])", "_", name).upper()
 
 
+def comment(function):
+    """The manual entry of a function that no header of the core library has."""
+    entry = table.manual_entries().get(function.name)
+    lacks = manual.gaps(function, entry) if entry else ["everything"]
+    if lacks:
+        raise ValueError(f"{table.REFINED_TEXTS}: {function.name} lacks {', '.join(lacks)}")
+    return generate_interface.comment(generate_interface.entry_text(function, entry))
+
+
 def header():
     parts = [f"/* {table.MARK} */", HEADER_TOP, "/** The kinds of failure. */", "enum OrvanthStatus {"]
     parts += [f"    ORVANTH_STATUS_{constant(s.name)} = {s.value}, /* {s.words} */" for s in table.statuses()]
@@ -101,6 +115,11 @@ def header():
         for export in exports():
             if export.folder == folder:
                 parts += [f"/** {table.brief(export)} */", *filter(None, declarations(export))]
+        added = [f for f in table.refined() if f.folder == folder]
+        if added:
+            parts += ["", generate_interface.comment(table.refined_introduction()).replace("/**", "/*", 1)]
+        for function in added:
+            parts += [comment(function), *filter(None, declarations(function))]
     return "\n".join(parts + ["", "#endif"]) + "\n"
 
 
@@ -135,10 +154,12 @@ def facts(export):
 
 def forms(folder):
     """The source file with the forms of a folder's exports."""
-    wanted = [e for e in exports() if e.folder == folder and not table.by_hand(e)]
+    wanted = [e for e in table.functions() if e.folder == folder and not table.by_hand(e)]
     if not wanted:
         return None
-    lines = [f"// {table.MARK}", "// clang-format off", '#include "shield/each.hpp"', "", "namespace {", "",
+    includes = ['#include "shield/each.hpp"']
+    includes += ['#include "shield/refined.hpp"'] if any(f.folder == folder for f in table.refined()) else []
+    lines = [f"// {table.MARK}", "// clang-format off", *includes, "", "namespace {", "",
              "using namespace orvanth::shield;", ""]
     lines += [facts(e) for e in wanted]
     lines += ["", "}  // namespace", ""]
@@ -153,7 +174,7 @@ def forms(folder):
 def names():
     """Every function that the shield exports."""
     found = [own.name for own in table.own_functions()]
-    for e in exports():
+    for e in table.functions():
         found += ["Safe" + e.name] + (["Each" + e.name] if table.has_array_form(e) else [])
     return found
 

@@ -1,12 +1,13 @@
 """What every host is made from: the exports, what the shield adds to each, and the manual entries."""
 import re
-from dataclasses import dataclass
+from dataclasses import dataclass, replace
 from functools import cache
 
 import manual
 from signature_table import ROOT, Argument, exports, folders
 
 SHIELD_TABLE = ROOT / "src" / "shield" / "shield.def"
+REFINED_TEXTS = ROOT / "src" / "shield" / "refined.txt"
 SCALARS = ("double", "int32_t", "TailFlag")
 HANDLES = ("RandomStreamHandle", "LBFGSBDriverState*")
 ARRAY = "const double*"
@@ -56,9 +57,20 @@ def own_functions():
     return found
 
 
+def refined():
+    """The functions that the shield has beside its forms of the exports, each with the arguments of an export."""
+    plain = {e.name: e for e in exports()}
+    return [replace(plain[export], name=name) for name, export in _rows("REFINED")]
+
+
+def functions():
+    """Everything that has a Safe and an Each form, or one of the two: the exports and the refined functions."""
+    return exports() + refined()
+
+
 @cache
 def _by_export(kind):
-    known = {e.name for e in exports()}
+    known = {e.name for e in functions()}
     rows = {}
     for name, *cells in _rows(kind):
         if name not in known:
@@ -111,8 +123,17 @@ def has_array_form(export):
 
 
 @cache
+def _refined_texts():
+    return manual.read_file(REFINED_TEXTS, {e.name for e in refined()})
+
+
+def refined_introduction():
+    return _refined_texts()[0]
+
+
+@cache
 def manual_entries():
-    entries = {}
+    entries = dict(_refined_texts()[1])
     for folder in folders():
         entries.update(manual.read(folder)[1])
     return entries

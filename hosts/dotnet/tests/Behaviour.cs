@@ -65,6 +65,21 @@ namespace Orvanth.Core.Math.Tests
         }
 
         [Test]
+        public void RefinedFormsHaveTheArgumentsOfThePlainOnes()
+        {
+            const double h = 0.7071067811865476;
+            var lambda = new[] { h, h, h, h };
+            Assert.AreEqual(MultipleComparison.Tukey.Cdf(2.5, 4, 12, lambda), MultipleComparison.RefinedTukey.Cdf(2.5, 4, 12, lambda), 2e-7);
+            double x = MultipleComparison.RefinedDunnett.Quantile(1e-12, 4, double.PositiveInfinity, lambda, Tail.Upper);
+            Assert.AreEqual(1, MultipleComparison.RefinedDunnett.Cdf(x, 4, double.PositiveInfinity, lambda, Tail.Upper) / 1e-12, 1e-7);
+            var two = new double[2];
+            Assert.IsTrue(MultipleComparison.RefinedHsu.Cdf(new[] { 1.5, 2.5 }, 4, 20, lambda, Tail.Lower, two).Succeeded);
+            Assert.AreEqual(MultipleComparison.RefinedHsu.Cdf(2.5, 4, 20, lambda), two[1]);
+            var error = Assert.Throws<ArgumentOutOfRangeException>(() => MultipleComparison.RefinedTukey.Cdf(1, 3, -1, lambda));
+            StringAssert.Contains("Degrees of freedom argument is -1", error.Message);
+        }
+
+        [Test]
         public void TenThousandFailuresOnSeveralThreadsAreSurvived()
         {
             int caught = 0, other = 0;

@@ -5,7 +5,8 @@ as a function whose tails are named (``normal_cdf(x, mean, sd, upper=True)``). B
 ``where`` and release the interpreter's lock. An element that fails is NaN; ``numpy.errstate`` decides whether that
 warns, raises or calls, and ``last_error()`` has the library's text.
 
-``orvanth.linalg``, ``orvanth.random`` and ``minimize`` raise exceptions.
+``orvanth.linalg``, ``orvanth.random`` and ``minimize`` raise exceptions. ``orvanth.stats`` has the tests that rest on
+the distributions.
 """
 from . import _ufuncs  # first: it says so if this interpreter cannot hold NumPy's ufuncs
 from ._version import __version__  # noqa: F401
@@ -14,8 +15,9 @@ from .errors import ArgumentError, CollinearityError, last_error  # noqa: F401
 from .functions import *  # noqa: F401,F403
 from .optimize import OptimizeResult, minimize  # noqa: F401
 from .random import RandomStream  # noqa: F401
+from . import stats  # noqa: F401,E402  it rests on all of the above
 
 ufuncs = {name: f for name, f in vars(_ufuncs).items() if hasattr(f, "nin")}
 globals().update(ufuncs)
 __all__ = ["ArgumentError", "CollinearityError", "OptimizeResult", "RandomStream", "last_error", "linalg", "minimize",
-           "random", *functions.__all__, *ufuncs]
+           "random", "stats", *functions.__all__, *ufuncs]

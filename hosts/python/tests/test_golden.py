@@ -18,7 +18,8 @@ def columns(rows, ufunc):
     return made
 
 
-@pytest.mark.parametrize("name", sorted(orvanth.ufuncs))
+# The refined functions are no exports and have rows of their own.
+@pytest.mark.parametrize("name", sorted(n for n in orvanth.ufuncs if not n.startswith("Refined")))
 def test_rows(name):
     ufunc = getattr(orvanth, name)
     byte_holds = [r for r in ROWS[name] if not any(v in (256, 257, 512, -256) for v in r[0] if isinstance(v, float))]

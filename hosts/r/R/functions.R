@@ -173,3 +173,21 @@ qfnchypergeom <- function(p, n, m, N, odds, lower.tail = TRUE, accuracy = 0)
 
 fnc_hypergeometric_moments <- function(n, m, N, odds)
     .Call(C_FNCHypergeometricMoments, list(n, m, N, odds))
+
+ptukey_refined <- function(q, nmeans, df, lambda = sqrt(0.5), lower.tail = TRUE)
+    .Call(C_RefinedMCaCDF, list(q / sqrt(2), nmeans, df, lambda, lower.tail))
+
+qtukey_refined <- function(p, nmeans, df, lambda = sqrt(0.5), lower.tail = TRUE)
+    .Call(C_RefinedMCaICDF, list(p, nmeans, df, lambda, lower.tail)) * sqrt(2)
+
+phsu_refined <- function(q, k, df, lambda = sqrt(0.5), lower.tail = TRUE)
+    .Call(C_RefinedMCbCDF, list(q, k, df, lambda, lower.tail))
+
+qhsu_refined <- function(p, k, df, lambda = sqrt(0.5), lower.tail = TRUE)
+    .Call(C_RefinedMCbICDF, list(p, k, df, lambda, lower.tail))
+
+pdunnett_refined <- function(q, k, df, lambda = sqrt(0.5), lower.tail = TRUE)
+    .Call(C_RefinedMCcCDF, list(q, k, df, lambda, lower.tail))
+
+qdunnett_refined <- function(p, k, df, lambda = sqrt(0.5), lower.tail = TRUE)
+    .Call(C_RefinedMCcICDF, list(p, k, df, lambda, lower.tail))

@@ -37,7 +37,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaPDF(x, a, b);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -86,7 +86,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaCDF(x, a, b, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -138,7 +138,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaICDF(p, a, b, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -191,7 +191,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeChiSquaredPDF(x, df);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -237,7 +237,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeChiSquaredCDF(x, df, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -288,7 +288,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeChiSquaredICDF(p, df, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -340,7 +340,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeFisherFPDF(x, df1, df2);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -389,7 +389,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeFisherFCDF(x, df1, df2, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -444,7 +444,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeFisherFICDF(p, df1, df2, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -499,7 +499,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaPDF(x, shape, scale);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -548,7 +548,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaCDF(x, shape, scale, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -601,7 +601,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaICDF(p, shape, scale, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -655,7 +655,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeNormalPDF(x, mean, sd);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -705,7 +705,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeNormalCDF(x, mean, sd, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -756,7 +756,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeNormalICDF(p, mean, sd, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -808,7 +808,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeStudentTPDF(x, df);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -855,7 +855,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeStudentTCDF(x, df, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -905,7 +905,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeStudentTICDF(p, df, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -963,7 +963,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBinomialPDF(k, n, p);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1018,7 +1018,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBinomialCDF(k, n, p, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1085,7 +1085,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBinomialICDF(probability, n, p, (int)tail, roundUp ? 1 : 0);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1148,7 +1148,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBinomialPS(alpha, successes, trials, boundSelector);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1216,7 +1216,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeHypergeometricPDF(x, r, n, N);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1281,7 +1281,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeHypergeometricCDF(x, r, n, N, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1344,7 +1344,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeHypergeometricICDF(p, r, n, N, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 

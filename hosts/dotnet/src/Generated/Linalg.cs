@@ -42,7 +42,7 @@ namespace Orvanth.Core.Math
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(a, descriptor, "a");
             int result = Native.SafeQR(a, ref descriptor, tau);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -81,7 +81,7 @@ namespace Orvanth.Core.Math
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(a, descriptor, "a");
             int result = Native.SafeQRP(a, ref descriptor, tau, jpvt);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -116,7 +116,7 @@ namespace Orvanth.Core.Math
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(a, descriptor, "a");
             int result = Native.SafeQR_Q(a, ref descriptor, tau);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -156,7 +156,7 @@ namespace Orvanth.Core.Math
             Guard.Fits(a, aDescriptor, "a");
             Guard.Fits(c, cDescriptor, "c");
             int result = Native.SafeQR_Qy(a, ref aDescriptor, transpose ? 1 : 0, tau, c, ref cDescriptor);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -201,7 +201,7 @@ namespace Orvanth.Core.Math
             Guard.Fits(u, uDescriptor, "u");
             Guard.Fits(vt, vtDescriptor, "vt");
             int result = Native.SafeFullSVD(a, ref aDescriptor, s, u, ref uDescriptor, vt, ref vtDescriptor);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -247,7 +247,7 @@ namespace Orvanth.Core.Math
             Guard.Fits(u, uDescriptor, "u");
             Guard.Fits(vt, vtDescriptor, "vt");
             int result = Native.SafeThinSVD(a, ref aDescriptor, s, u, ref uDescriptor, vt, ref vtDescriptor);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -291,7 +291,7 @@ namespace Orvanth.Core.Math
             Guard.Fits(a, aDescriptor, "a");
             Guard.Fits(z, zDescriptor, "z");
             int result = Native.SafeEigenSymmetric(a, ref aDescriptor, w, m, z, ref zDescriptor);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -330,7 +330,7 @@ namespace Orvanth.Core.Math
             Guard.Fits(a, aDescriptor, "a");
             Guard.Fits(b, bDescriptor, "b");
             int result = Native.SafeLS(a, ref aDescriptor, b, ref bDescriptor);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -347,7 +347,7 @@ namespace Orvanth.Core.Math
         /// <remarks>
         /// <para>The form of C. Nobody tests that an array without a descriptor is as long as its text says.</para>
         /// <para>Formula</para>
-        /// <code>A = Q R by Householder reflections in the order of the columns, and x = R^-1 times the first n rows
+        /// <code>A = Q R by Householder reflections in the order of the columns, and x is R^-1 times the first n rows
         /// of Q' b. Column i stops the call when tolerance times its own length is at least the length of the
         /// part of it that is orthogonal to columns 1 to i - 1. A column of zeros counts as of length 1 here.</code>
         /// <para>Edges</para>
@@ -384,7 +384,7 @@ namespace Orvanth.Core.Math
             Guard.Fits(b, bDescriptor, "b");
             Guard.Fits(x, xDescriptor, "x");
             int result = Native.SafeOLS(a, ref aDescriptor, b, ref bDescriptor, x, ref xDescriptor, tau, tolerance);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -423,7 +423,7 @@ namespace Orvanth.Core.Math
             Guard.Fits(a, aDescriptor, "a");
             Guard.Fits(b, bDescriptor, "b");
             int result = Native.SafeSolveTriangularSystem(a, ref aDescriptor, upper ? 1 : 0, transpose ? 1 : 0, b, ref bDescriptor);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -460,7 +460,7 @@ namespace Orvanth.Core.Math
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(x, descriptor, "x");
             double result = Native.SafeXb(x, ref descriptor, b, y);
-            if (Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
     }

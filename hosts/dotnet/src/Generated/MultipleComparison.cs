@@ -20,7 +20,7 @@ namespace Orvanth.Core.Math
             /// <returns>the probability.</returns>
             /// <remarks>
             /// <para>Formula</para>
-            /// <code>F(x) = integral over s &gt; 0 of f(s) C(x s), f the density of sqrt(chi-squared / df),
+            /// <code>F(x) = integral over s &gt; 0 of f(s) C(x s) ds, f the density of sqrt(chi-squared / df),
             /// C(v) = k integral of phi(y) [Phi(c a y) - Phi(c (a y - v))]^(k-1) dy, a = lambda_0,
             /// c = 1/sqrt(1 - a^2).
             /// F(x) = P(max over i &lt; j of |T_ij| &lt;= x).</code>
@@ -50,7 +50,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCaCDF(x, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -113,7 +113,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCaICDF(p, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -153,7 +153,7 @@ namespace Orvanth.Core.Math
             /// <returns>the probability.</returns>
             /// <remarks>
             /// <para>Formula</para>
-            /// <code>F(x) = integral over s &gt; 0 of f(s) C(x s), f the density of sqrt(chi-squared / df),
+            /// <code>F(x) = integral over s &gt; 0 of f(s) C(x s) ds, f the density of sqrt(chi-squared / df),
             /// C(v) = integral of phi(y) product over j &lt; k-1 of Phi(c_j (lambda_j y + v)) dy,
             /// c_j = 1/sqrt(1 - lambda_j^2).
             /// F(x) = P(max over j of T_j &lt;= x).</code>
@@ -182,7 +182,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCbCDF(x, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -245,7 +245,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCbICDF(p, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -285,7 +285,7 @@ namespace Orvanth.Core.Math
             /// <returns>the probability.</returns>
             /// <remarks>
             /// <para>Formula</para>
-            /// <code>F(x) = integral over s &gt; 0 of f(s) C(x s), f the density of sqrt(chi-squared / df),
+            /// <code>F(x) = integral over s &gt; 0 of f(s) C(x s) ds, f the density of sqrt(chi-squared / df),
             /// C(v) = integral of phi(y) product over j &lt; k-1 of D_j dy,
             /// D_j = Phi(c_j (lambda_j y + v)) - Phi(c_j (lambda_j y - v)), c_j = 1/sqrt(1 - lambda_j^2).
             /// F(x) = P(max over j of |T_j| &lt;= x).</code>
@@ -314,7 +314,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCcCDF(x, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -377,7 +377,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCcICDF(p, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -394,6 +394,376 @@ namespace Orvanth.Core.Math
             {
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 return ArrayCall.Run(Native.EachMCcICDF, new[] { result },
+                    Argument.Of("p", p),
+                    Argument.Of("k", k),
+                    Argument.Of("df", df),
+                    Argument.Of("lambda", lambda),
+                    Argument.Choice("tail", (int)tail));
+            }
+        }
+    }
+
+    public static partial class MultipleComparison
+    {
+        /// <summary>The Refined Tukey distribution.</summary>
+        public static partial class RefinedTukey
+        {
+            /// <summary>Refined cumulative probability of the largest of all pairwise comparisons (Tukey).</summary>
+            /// <param name="x">the statistic on the scale of t; any double but NaN</param>
+            /// <param name="k">number of groups, 1 to 46341</param>
+            /// <param name="df">degrees of freedom of the scale, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first counts, 1/sqrt 2 for the range</param>
+            /// <param name="tail">zero in its low byte: P(X &lt;= x); otherwise P(X &gt; x), computed as a tail</param>
+            /// <returns>the probability.</returns>
+            /// <remarks>
+            /// <para>Formula</para>
+            /// <code>F(x) of MCaCDF: P(max over i &lt; j of |T_ij| &lt;= x). Both integrals are
+            /// trapezoidal sums, over the latent variable and over the logarithm of the scale, with steps that
+            /// are halved until the sums over the even and over the odd points agree.</code>
+            /// <para>Edges</para>
+            /// <para>x of 0 and below: 0. x = infinity: 1. k = 1: 1. With another lambda[0] than 1/sqrt 2 the value at
+            /// infinity is not 1, as in MCaCDF; the upper tail is then 1 minus the lower one.</para>
+            /// <para>Failure</para>
+            /// <para>A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k &gt; 46341, |lambda[0]| &gt;
+            /// 0.9999. Argument: k &lt; 0, lambda null. Memory: no memory for k doubles.</para>
+            /// <para>Memory</para>
+            /// <para>k doubles during the call.</para>
+            /// <para>Accuracy</para>
+            /// <para>Absolute 1e-10, relative 1e-9 down to 1e-12, k to 100; see docs/accuracy/multiple_comparison.md</para>
+            /// <para>Equivalents</para>
+            /// <para>R: ptukey(x * sqrt(2), k, df)
+            /// SciPy: scipy.stats.studentized_range.cdf(x * sqrt(2), k, df)</para>
+            /// <para>Source</para>
+            /// <para>L. N. Trefethen and J. A. C. Weideman, The exponentially convergent trapezoidal rule, SIAM Review 56
+            /// (2014) 385-458</para>
+            /// </remarks>
+            [LibraryExport("RefinedMCaCDF")]
+            public static double Cdf(double x, int k, double df, double[] lambda, Tail tail = Tail.Lower)
+            {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
+                Guard.Length(lambda, k, "lambda");
+                double result = Native.SafeRefinedMCaCDF(x, k, df, lambda, (int)tail);
+                if (LastStatus.IsFailure) Failure.Throw(result);
+                return result;
+            }
+
+            /// <summary>Refined cumulative probability of the largest of all pairwise comparisons (Tukey). Over arrays; an element that fails does not end the loop.</summary>
+            /// <param name="x">the statistic on the scale of t; any double but NaN</param>
+            /// <param name="k">number of groups, 1 to 46341</param>
+            /// <param name="df">degrees of freedom of the scale, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first counts, 1/sqrt 2 for the range</param>
+            /// <param name="tail">zero in its low byte: P(X &lt;= x); otherwise P(X &gt; x), computed as a tail</param>
+            /// <param name="result">Gets the results; its length is the number of elements.</param>
+            /// <returns>How many elements failed, the first of them and its text.</returns>
+            [LibraryExport("RefinedMCaCDF")]
+            public static unsafe ArrayReport Cdf(Values x, Integers k, Values df, double[] lambda, Tail tail, double[] result)
+            {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
+                return ArrayCall.Run(Native.EachRefinedMCaCDF, new[] { result },
+                    Argument.Of("x", x),
+                    Argument.Of("k", k),
+                    Argument.Of("df", df),
+                    Argument.Of("lambda", lambda),
+                    Argument.Choice("tail", (int)tail));
+            }
+
+            /// <summary>Refined quantile of the largest of all pairwise comparisons (Tukey).</summary>
+            /// <param name="p">probability in (0, 1); 0 of the lower tail has a value</param>
+            /// <param name="k">number of groups, 2 to 46341</param>
+            /// <param name="df">degrees of freedom, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first counts, 1/sqrt 2 for the range</param>
+            /// <param name="tail">zero in its low byte: P(X &lt;= x) = p; otherwise P(X &gt; x) = p</param>
+            /// <returns>x.</returns>
+            /// <remarks>
+            /// <para>Formula</para>
+            /// <code>The x with RefinedMCaCDF(x, k, df, lambda, tail) = p, by Algorithm 748 on the logarithm of the
+            /// smaller tail.</code>
+            /// <para>Edges</para>
+            /// <para>p = 0, with a set tail p = 1: 0. A quantile above 1e307 is a failure.</para>
+            /// <para>Failure</para>
+            /// <para>A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+            /// |lambda[0]| &gt; 0.9999; p beyond what is reached with another lambda[0] than 1/sqrt 2. Overflow: p =
+            /// 1, with a set tail p = 0. Argument: k &lt; 0, lambda null. Memory: no memory for k doubles.</para>
+            /// <para>Memory</para>
+            /// <para>k doubles during the call.</para>
+            /// <para>Accuracy</para>
+            /// <para>Relative error 1e-8 for k to 100; see docs/accuracy/multiple_comparison.md</para>
+            /// <para>Equivalents</para>
+            /// <para>R: qtukey(p, k, df) / sqrt(2)
+            /// SciPy: scipy.stats.studentized_range.ppf(p, k, df) / sqrt(2)</para>
+            /// <para>Source</para>
+            /// <para>G. E. Alefeld, F. A. Potra and Y. Shi, Algorithm 748, ACM Transactions on Mathematical Software 21
+            /// (1995) 327-344</para>
+            /// </remarks>
+            [LibraryExport("RefinedMCaICDF")]
+            public static double Quantile(double p, int k, double df, double[] lambda, Tail tail = Tail.Lower)
+            {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
+                Guard.Length(lambda, k, "lambda");
+                double result = Native.SafeRefinedMCaICDF(p, k, df, lambda, (int)tail);
+                if (LastStatus.IsFailure) Failure.Throw(result);
+                return result;
+            }
+
+            /// <summary>Refined quantile of the largest of all pairwise comparisons (Tukey). Over arrays; an element that fails does not end the loop.</summary>
+            /// <param name="p">probability in (0, 1); 0 of the lower tail has a value</param>
+            /// <param name="k">number of groups, 2 to 46341</param>
+            /// <param name="df">degrees of freedom, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first counts, 1/sqrt 2 for the range</param>
+            /// <param name="tail">zero in its low byte: P(X &lt;= x) = p; otherwise P(X &gt; x) = p</param>
+            /// <param name="result">Gets the results; its length is the number of elements.</param>
+            /// <returns>How many elements failed, the first of them and its text.</returns>
+            [LibraryExport("RefinedMCaICDF")]
+            public static unsafe ArrayReport Quantile(Values p, Integers k, Values df, double[] lambda, Tail tail, double[] result)
+            {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
+                return ArrayCall.Run(Native.EachRefinedMCaICDF, new[] { result },
+                    Argument.Of("p", p),
+                    Argument.Of("k", k),
+                    Argument.Of("df", df),
+                    Argument.Of("lambda", lambda),
+                    Argument.Choice("tail", (int)tail));
+            }
+        }
+    }
+
+    public static partial class MultipleComparison
+    {
+        /// <summary>The Refined Hsu distribution.</summary>
+        public static partial class RefinedHsu
+        {
+            /// <summary>Refined cumulative probability of the largest one-sided comparison with one group (Hsu).</summary>
+            /// <param name="x">the statistic on the scale of t; any double but NaN</param>
+            /// <param name="k">number of groups, 1 to 46341</param>
+            /// <param name="df">degrees of freedom of the scale, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first k - 1 count</param>
+            /// <param name="tail">zero in its low byte: P(X &lt;= x); otherwise P(X &gt; x), computed as a tail</param>
+            /// <returns>the probability.</returns>
+            /// <remarks>
+            /// <para>Formula</para>
+            /// <code>F(x) of MCbCDF: P(max over j of T_j &lt;= x). Both integrals are
+            /// trapezoidal sums, over the latent variable and over the logarithm of the scale, with steps that
+            /// are halved until the sums over the even and over the odd points agree.</code>
+            /// <para>Edges</para>
+            /// <para>x = infinity: 1. x = -infinity: 0. k = 1: 1.</para>
+            /// <para>Failure</para>
+            /// <para>A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k &gt; 46341, |lambda[j]| &gt;
+            /// 0.9999 for a j below k - 1. Argument: k &lt; 0, lambda null. Memory: no memory for k doubles.</para>
+            /// <para>Memory</para>
+            /// <para>k doubles during the call.</para>
+            /// <para>Accuracy</para>
+            /// <para>Absolute 1e-10, relative 1e-9 down to 1e-12, k to 100; see docs/accuracy/multiple_comparison.md</para>
+            /// <para>Equivalents</para>
+            /// <para>R: mvtnorm::pmvt(upper = rep(x, k - 1), df = df, corr = C), C[i, j] = lambda_i lambda_j
+            /// SciPy: scipy.stats.multivariate_t(shape=C, df=df).cdf([x] * (k - 1)), by simulation</para>
+            /// <para>Source</para>
+            /// <para>L. N. Trefethen and J. A. C. Weideman, The exponentially convergent trapezoidal rule, SIAM Review 56
+            /// (2014) 385-458</para>
+            /// </remarks>
+            [LibraryExport("RefinedMCbCDF")]
+            public static double Cdf(double x, int k, double df, double[] lambda, Tail tail = Tail.Lower)
+            {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
+                Guard.Length(lambda, k, "lambda");
+                double result = Native.SafeRefinedMCbCDF(x, k, df, lambda, (int)tail);
+                if (LastStatus.IsFailure) Failure.Throw(result);
+                return result;
+            }
+
+            /// <summary>Refined cumulative probability of the largest one-sided comparison with one group (Hsu). Over arrays; an element that fails does not end the loop.</summary>
+            /// <param name="x">the statistic on the scale of t; any double but NaN</param>
+            /// <param name="k">number of groups, 1 to 46341</param>
+            /// <param name="df">degrees of freedom of the scale, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first k - 1 count</param>
+            /// <param name="tail">zero in its low byte: P(X &lt;= x); otherwise P(X &gt; x), computed as a tail</param>
+            /// <param name="result">Gets the results; its length is the number of elements.</param>
+            /// <returns>How many elements failed, the first of them and its text.</returns>
+            [LibraryExport("RefinedMCbCDF")]
+            public static unsafe ArrayReport Cdf(Values x, Integers k, Values df, double[] lambda, Tail tail, double[] result)
+            {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
+                return ArrayCall.Run(Native.EachRefinedMCbCDF, new[] { result },
+                    Argument.Of("x", x),
+                    Argument.Of("k", k),
+                    Argument.Of("df", df),
+                    Argument.Of("lambda", lambda),
+                    Argument.Choice("tail", (int)tail));
+            }
+
+            /// <summary>Refined quantile of the largest one-sided comparison with one group (Hsu).</summary>
+            /// <param name="p">probability in (0, 1)</param>
+            /// <param name="k">number of groups, 2 to 46341</param>
+            /// <param name="df">degrees of freedom, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first k - 1 count</param>
+            /// <param name="tail">zero in its low byte: P(X &lt;= x) = p; otherwise P(X &gt; x) = p</param>
+            /// <returns>x.</returns>
+            /// <remarks>
+            /// <para>Formula</para>
+            /// <code>The x with RefinedMCbCDF(x, k, df, lambda, tail) = p, by Algorithm 748 on the logarithm of the
+            /// smaller tail.</code>
+            /// <para>Edges</para>
+            /// <para>A quantile above 1e307 is a failure.</para>
+            /// <para>Failure</para>
+            /// <para>A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+            /// |lambda[j]| &gt; 0.9999 for a j below k - 1. Overflow: p = 1, with a set tail p = 0; p = 0, with a set
+            /// tail p = 1. Argument: k &lt; 0, lambda null. Memory: no memory for k doubles.</para>
+            /// <para>Memory</para>
+            /// <para>k doubles during the call.</para>
+            /// <para>Accuracy</para>
+            /// <para>Relative error 1e-8 for k to 100; see docs/accuracy/multiple_comparison.md</para>
+            /// <para>Equivalents</para>
+            /// <para>R: mvtnorm::qmvt(p, tail = "lower.tail", df = df, corr = C)$quantile
+            /// SciPy: none; scipy.stats.dunnett has p-values</para>
+            /// <para>Source</para>
+            /// <para>G. E. Alefeld, F. A. Potra and Y. Shi, Algorithm 748, ACM Transactions on Mathematical Software 21
+            /// (1995) 327-344</para>
+            /// </remarks>
+            [LibraryExport("RefinedMCbICDF")]
+            public static double Quantile(double p, int k, double df, double[] lambda, Tail tail = Tail.Lower)
+            {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
+                Guard.Length(lambda, k, "lambda");
+                double result = Native.SafeRefinedMCbICDF(p, k, df, lambda, (int)tail);
+                if (LastStatus.IsFailure) Failure.Throw(result);
+                return result;
+            }
+
+            /// <summary>Refined quantile of the largest one-sided comparison with one group (Hsu). Over arrays; an element that fails does not end the loop.</summary>
+            /// <param name="p">probability in (0, 1)</param>
+            /// <param name="k">number of groups, 2 to 46341</param>
+            /// <param name="df">degrees of freedom, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first k - 1 count</param>
+            /// <param name="tail">zero in its low byte: P(X &lt;= x) = p; otherwise P(X &gt; x) = p</param>
+            /// <param name="result">Gets the results; its length is the number of elements.</param>
+            /// <returns>How many elements failed, the first of them and its text.</returns>
+            [LibraryExport("RefinedMCbICDF")]
+            public static unsafe ArrayReport Quantile(Values p, Integers k, Values df, double[] lambda, Tail tail, double[] result)
+            {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
+                return ArrayCall.Run(Native.EachRefinedMCbICDF, new[] { result },
+                    Argument.Of("p", p),
+                    Argument.Of("k", k),
+                    Argument.Of("df", df),
+                    Argument.Of("lambda", lambda),
+                    Argument.Choice("tail", (int)tail));
+            }
+        }
+    }
+
+    public static partial class MultipleComparison
+    {
+        /// <summary>The Refined Dunnett distribution.</summary>
+        public static partial class RefinedDunnett
+        {
+            /// <summary>Refined cumulative probability of the largest two-sided comparison with a control (Dunnett).</summary>
+            /// <param name="x">the statistic on the scale of t; any double but NaN</param>
+            /// <param name="k">number of groups, 1 to 46341</param>
+            /// <param name="df">degrees of freedom of the scale, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first k - 1 count</param>
+            /// <param name="tail">zero in its low byte: P(X &lt;= x); otherwise P(X &gt; x), computed as a tail</param>
+            /// <returns>the probability.</returns>
+            /// <remarks>
+            /// <para>Formula</para>
+            /// <code>F(x) of MCcCDF: P(max over j of |T_j| &lt;= x). Both integrals are
+            /// trapezoidal sums, over the latent variable and over the logarithm of the scale, with steps that
+            /// are halved until the sums over the even and over the odd points agree.</code>
+            /// <para>Edges</para>
+            /// <para>x of 0 and below: 0. x = infinity: 1. k = 1: 1.</para>
+            /// <para>Failure</para>
+            /// <para>A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k &gt; 46341, |lambda[j]| &gt;
+            /// 0.9999 for a j below k - 1. Argument: k &lt; 0, lambda null. Memory: no memory for k doubles.</para>
+            /// <para>Memory</para>
+            /// <para>k doubles during the call.</para>
+            /// <para>Accuracy</para>
+            /// <para>Absolute 1e-10, relative 1e-9 down to 1e-12, k to 100; see docs/accuracy/multiple_comparison.md</para>
+            /// <para>Equivalents</para>
+            /// <para>R: mvtnorm::pmvt(rep(-x, k - 1), rep(x, k - 1), df = df, corr = C), C[i, j] = lambda_i lambda_j
+            /// SciPy: scipy.stats.multivariate_t(shape=C, df=df).cdf(b, lower_limit=-b), b of k - 1 elements x</para>
+            /// <para>Source</para>
+            /// <para>L. N. Trefethen and J. A. C. Weideman, The exponentially convergent trapezoidal rule, SIAM Review 56
+            /// (2014) 385-458</para>
+            /// </remarks>
+            [LibraryExport("RefinedMCcCDF")]
+            public static double Cdf(double x, int k, double df, double[] lambda, Tail tail = Tail.Lower)
+            {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
+                Guard.Length(lambda, k, "lambda");
+                double result = Native.SafeRefinedMCcCDF(x, k, df, lambda, (int)tail);
+                if (LastStatus.IsFailure) Failure.Throw(result);
+                return result;
+            }
+
+            /// <summary>Refined cumulative probability of the largest two-sided comparison with a control (Dunnett). Over arrays; an element that fails does not end the loop.</summary>
+            /// <param name="x">the statistic on the scale of t; any double but NaN</param>
+            /// <param name="k">number of groups, 1 to 46341</param>
+            /// <param name="df">degrees of freedom of the scale, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first k - 1 count</param>
+            /// <param name="tail">zero in its low byte: P(X &lt;= x); otherwise P(X &gt; x), computed as a tail</param>
+            /// <param name="result">Gets the results; its length is the number of elements.</param>
+            /// <returns>How many elements failed, the first of them and its text.</returns>
+            [LibraryExport("RefinedMCcCDF")]
+            public static unsafe ArrayReport Cdf(Values x, Integers k, Values df, double[] lambda, Tail tail, double[] result)
+            {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
+                return ArrayCall.Run(Native.EachRefinedMCcCDF, new[] { result },
+                    Argument.Of("x", x),
+                    Argument.Of("k", k),
+                    Argument.Of("df", df),
+                    Argument.Of("lambda", lambda),
+                    Argument.Choice("tail", (int)tail));
+            }
+
+            /// <summary>Refined quantile of the largest two-sided comparison with a control (Dunnett).</summary>
+            /// <param name="p">probability in (0, 1); 0 of the lower tail has a value</param>
+            /// <param name="k">number of groups, 2 to 46341</param>
+            /// <param name="df">degrees of freedom, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first k - 1 count</param>
+            /// <param name="tail">zero in its low byte: P(X &lt;= x) = p; otherwise P(X &gt; x) = p</param>
+            /// <returns>x.</returns>
+            /// <remarks>
+            /// <para>Formula</para>
+            /// <code>The x with RefinedMCcCDF(x, k, df, lambda, tail) = p, by Algorithm 748 on the logarithm of the
+            /// smaller tail.</code>
+            /// <para>Edges</para>
+            /// <para>p = 0, with a set tail p = 1: 0. A quantile above 1e307 is a failure.</para>
+            /// <para>Failure</para>
+            /// <para>A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+            /// |lambda[j]| &gt; 0.9999 for a j below k - 1. Overflow: p = 1, with a set tail p = 0. Argument: k &lt; 0,
+            /// lambda null. Memory: no memory for k doubles.</para>
+            /// <para>Memory</para>
+            /// <para>k doubles during the call.</para>
+            /// <para>Accuracy</para>
+            /// <para>Relative error 1e-8 for k to 100; see docs/accuracy/multiple_comparison.md</para>
+            /// <para>Equivalents</para>
+            /// <para>R: mvtnorm::qmvt(p, tail = "both.tails", df = df, corr = C)$quantile
+            /// SciPy: none; scipy.stats.dunnett has p-values</para>
+            /// <para>Source</para>
+            /// <para>G. E. Alefeld, F. A. Potra and Y. Shi, Algorithm 748, ACM Transactions on Mathematical Software 21
+            /// (1995) 327-344</para>
+            /// </remarks>
+            [LibraryExport("RefinedMCcICDF")]
+            public static double Quantile(double p, int k, double df, double[] lambda, Tail tail = Tail.Lower)
+            {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
+                Guard.Length(lambda, k, "lambda");
+                double result = Native.SafeRefinedMCcICDF(p, k, df, lambda, (int)tail);
+                if (LastStatus.IsFailure) Failure.Throw(result);
+                return result;
+            }
+
+            /// <summary>Refined quantile of the largest two-sided comparison with a control (Dunnett). Over arrays; an element that fails does not end the loop.</summary>
+            /// <param name="p">probability in (0, 1); 0 of the lower tail has a value</param>
+            /// <param name="k">number of groups, 2 to 46341</param>
+            /// <param name="df">degrees of freedom, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first k - 1 count</param>
+            /// <param name="tail">zero in its low byte: P(X &lt;= x) = p; otherwise P(X &gt; x) = p</param>
+            /// <param name="result">Gets the results; its length is the number of elements.</param>
+            /// <returns>How many elements failed, the first of them and its text.</returns>
+            [LibraryExport("RefinedMCcICDF")]
+            public static unsafe ArrayReport Quantile(Values p, Integers k, Values df, double[] lambda, Tail tail, double[] result)
+            {
+                if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
+                return ArrayCall.Run(Native.EachRefinedMCcICDF, new[] { result },
                     Argument.Of("p", p),
                     Argument.Of("k", k),
                     Argument.Of("df", df),

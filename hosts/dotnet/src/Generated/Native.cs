@@ -17,6 +17,9 @@ namespace Orvanth.Core.Math
         internal static extern int LastStatus();
 
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern int* LastStatusAddress();
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         internal static extern IntPtr LastErrorText();
 
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
@@ -429,5 +432,41 @@ namespace Orvanth.Core.Math
 
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         internal static extern void SafeLBFGSBEnd(IntPtr state);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern double SafeRefinedMCaCDF(double x, int k, double df, double[] lambda, int tail);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern void EachRefinedMCaCDF(IntPtr* pointers, IntPtr* dimensions, IntPtr* steps, EachReport* report);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern double SafeRefinedMCaICDF(double p, int k, double df, double[] lambda, int tail);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern void EachRefinedMCaICDF(IntPtr* pointers, IntPtr* dimensions, IntPtr* steps, EachReport* report);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern double SafeRefinedMCbCDF(double x, int k, double df, double[] lambda, int tail);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern void EachRefinedMCbCDF(IntPtr* pointers, IntPtr* dimensions, IntPtr* steps, EachReport* report);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern double SafeRefinedMCbICDF(double p, int k, double df, double[] lambda, int tail);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern void EachRefinedMCbICDF(IntPtr* pointers, IntPtr* dimensions, IntPtr* steps, EachReport* report);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern double SafeRefinedMCcCDF(double x, int k, double df, double[] lambda, int tail);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern void EachRefinedMCcCDF(IntPtr* pointers, IntPtr* dimensions, IntPtr* steps, EachReport* report);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern double SafeRefinedMCcICDF(double p, int k, double df, double[] lambda, int tail);
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern void EachRefinedMCcICDF(IntPtr* pointers, IntPtr* dimensions, IntPtr* steps, EachReport* report);
     }
 }

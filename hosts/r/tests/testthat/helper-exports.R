@@ -58,5 +58,11 @@ exports <- list(
     MCcICDF = list(name = "qdunnett", kinds = "didat", arguments = c("p", "k", "df", "lambda", "lower.tail")),
     FNCHypergeometricCDF = list(name = "pfnchypergeom", kinds = "iiiidtd", arguments = c("q", "n", "m", "N", "odds", "lower.tail", "accuracy")),
     FNCHypergeometricICDF = list(name = "qfnchypergeom", kinds = "diiidtd", arguments = c("p", "n", "m", "N", "odds", "lower.tail", "accuracy")),
-    FNCHypergeometricMoments = list(name = "fnc_hypergeometric_moments", kinds = "iiid", arguments = c("n", "m", "N", "odds"))
+    FNCHypergeometricMoments = list(name = "fnc_hypergeometric_moments", kinds = "iiid", arguments = c("n", "m", "N", "odds")),
+    RefinedMCaCDF = list(name = "ptukey_refined", kinds = "didat", arguments = c("q", "nmeans", "df", "lambda", "lower.tail")),
+    RefinedMCaICDF = list(name = "qtukey_refined", kinds = "didat", arguments = c("p", "nmeans", "df", "lambda", "lower.tail")),
+    RefinedMCbCDF = list(name = "phsu_refined", kinds = "didat", arguments = c("q", "k", "df", "lambda", "lower.tail")),
+    RefinedMCbICDF = list(name = "qhsu_refined", kinds = "didat", arguments = c("p", "k", "df", "lambda", "lower.tail")),
+    RefinedMCcCDF = list(name = "pdunnett_refined", kinds = "didat", arguments = c("q", "k", "df", "lambda", "lower.tail")),
+    RefinedMCcICDF = list(name = "qdunnett_refined", kinds = "didat", arguments = c("p", "k", "df", "lambda", "lower.tail"))
 )

@@ -326,3 +326,33 @@ test_that("the examples of qfnchypergeom give what the manual says", {
     expect_identical(digits(qfnchypergeom(0.95, 17, 28, 41, 1.46, lower.tail = FALSE, accuracy = 1e-12)), "10")
     expect_identical(digits(qfnchypergeom(0, 10, 8, 15, 2, accuracy = 0)), "3")
 })
+
+test_that("the examples of ptukey_refined give what the manual says", {
+    expect_identical(digits(ptukey_refined(2.5 * sqrt(2), 3, 10, lambda = c(0.7071067811865476, 0, 0))), "0.925961")
+    expect_identical(digits(ptukey_refined(25 * sqrt(2), 3, 10, lambda = c(0.7071067811865476, 0, 0), lower.tail = FALSE)), "6.59618e-10")
+})
+
+test_that("the examples of qtukey_refined give what the manual says", {
+    expect_identical(digits(qtukey_refined(0.95, 3, 10, lambda = c(0.7071067811865476, 0, 0)) / sqrt(2)), "2.7413")
+    expect_identical(digits(qtukey_refined(1e-10, 3, 10, lambda = c(0.7071067811865476, 0, 0), lower.tail = FALSE) / sqrt(2)), "30.2617")
+})
+
+test_that("the examples of phsu_refined give what the manual says", {
+    expect_identical(digits(phsu_refined(2.5, 3, 10, lambda = c(0.6, 0.8, 0.5))), "0.971763")
+    expect_identical(digits(phsu_refined(25, 3, 10, lambda = c(0.6, 0.8, 0.5), lower.tail = FALSE)), "2.30734e-10")
+})
+
+test_that("the examples of qhsu_refined give what the manual says", {
+    expect_identical(digits(qhsu_refined(0.95, 3, 10, lambda = c(0.6, 0.8, 0.5))), "2.1546")
+    expect_identical(digits(qhsu_refined(1e-10, 3, 10, lambda = c(0.6, 0.8, 0.5), lower.tail = FALSE)), "27.2111")
+})
+
+test_that("the examples of pdunnett_refined give what the manual says", {
+    expect_identical(digits(pdunnett_refined(2.5, 3, 10, lambda = c(0.6, 0.8, 0.5))), "0.94362")
+    expect_identical(digits(pdunnett_refined(25, 3, 10, lambda = c(0.6, 0.8, 0.5), lower.tail = FALSE)), "4.61428e-10")
+})
+
+test_that("the examples of qdunnett_refined give what the manual says", {
+    expect_identical(digits(qdunnett_refined(0.95, 3, 10, lambda = c(0.6, 0.8, 0.5))), "2.57185")
+    expect_identical(digits(qdunnett_refined(1e-10, 3, 10, lambda = c(0.6, 0.8, 0.5), lower.tail = FALSE)), "29.1875")
+})

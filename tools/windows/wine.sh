@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Runs a program for Windows by Wine.
+#   wine.sh 64|32 PROGRAM [ARGUMENTS]
+# The 32-bit Wine lives in a system of its own, build/windows/root32 (make_root32.sh), where this project's folder has
+# the same path; entering it needs root.
+set -euo pipefail
+project=$(cd "$(dirname "$0")/../.." && pwd)
+width=$1
+shift
+
+# No messages of Wine, no menus on the desktop, no questions about packages for .NET and HTML.
+settings=(WINEPATH="Z:$project/build/win$width/src" WINEDEBUG=-all "WINEDLLOVERRIDES=mscoree,mshtml=;winemenubuilder.exe=d" OPENBLAS_NUM_THREADS=1)
+if [ "$width" = 64 ]; then
+    mkdir -p "$project/build/windows"
+    exec env "${settings[@]}" WINEPREFIX="$project/build/windows/wine64" /usr/lib/wine/wine64 "$@"
+fi
+root=$project/build/windows/root32
+[ -x "$root/usr/lib/wine/wine" ] || { echo "wine.sh: there is no 32-bit Wine; run tools/windows/make_root32.sh" >&2; exit 1; }
+export ORVANTH_ROOT32=$root ORVANTH_PROJECT=$project ORVANTH_FOLDER=$PWD
+# The mounts are seen by this process alone and end with it.
+exec unshare --mount bash -c '
+    set -e
+    mkdir -p "$ORVANTH_ROOT32$ORVANTH_PROJECT"
+    mount --bind "$ORVANTH_PROJECT" "$ORVANTH_ROOT32$ORVANTH_PROJECT"
+    mount --rbind /dev "$ORVANTH_ROOT32/dev"
+    mount -t proc proc "$ORVANTH_ROOT32/proc"
+    exec chroot "$ORVANTH_ROOT32" /usr/bin/env --chdir="$ORVANTH_FOLDER" "$@"
+' -- "${settings[@]}" WINEPREFIX=/wine32 /usr/lib/wine/wine "$@"
