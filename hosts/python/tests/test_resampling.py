@@ -49,6 +49,10 @@ def test_pairs_stay_together():
     x = np.arange(10.0)
     result = stats.bootstrap((x, 3 * x + 1), lambda a, b: np.corrcoef(a, b)[0, 1], n_resamples=20, paired=True)
     assert np.allclose(result.bootstrap_distribution, 1)
+    both = stats.bootstrap((x, x[::-1]), lambda a, b: a.mean() + b[0], n_resamples=5, paired=True, seed=4)
+    with RandomStream(4) as stream:
+        indices = [stream.indices(10) for _ in range(5)]
+    assert np.allclose(both.bootstrap_distribution, [x[i].mean() + 9 - i[0] for i in indices])
 
 
 def test_power_of_a_t_test():
