@@ -8,10 +8,12 @@ import { readFile } from "node:fs/promises";
 import { extname, join, normalize, relative } from "node:path";
 import { MODES, WIDTHS, check, openBrowser } from "./check_page.mjs";
 
-// One page of each kind; the others are made by the same code and are only opened.
-const KINDS = ["index.html", "start/python.html", "howto/dunnett.html", "howto/accuracy.html", "howto/distribution.html",
-               "reference/index.html", "reference/distributions.html", "reference/NormalCDF.html", "reference/OLS.html",
-               "reference/LBFGSBStep.html", "shield.html", "hosts.html", "decisions.html", "benchmarks.html",
+// One page of each kind; the others are made by the same code and are only opened. The first ones are looked at at every
+// width in every mode, the others on a dark phone and on a light desk.
+const KINDS = ["index.html", "howto/dunnett.html", "reference/NormalCDF.html", "benchmarks.html"];
+const OTHERS = ["start/python.html", "howto/accuracy.html", "howto/distribution.html", "reference/index.html",
+               "reference/distributions.html", "reference/OLS.html", "packages/python-stats.html",
+               "reference/LBFGSBStep.html", "shield.html", "hosts.html", "decisions.html",
                "accuracy/exports.html", "glossary.html", "project/building.html", "search.html"];
 const SEARCHES = { "Dunnett": "howto/dunnett.html", "Clopper-Pearson": "reference/BinomialPS.html",
                    "studentized range": "howto/all-pairs.html", "reverse communication": "howto/bounds.html",
@@ -100,9 +102,10 @@ try {
     for (const [words, wanted] of Object.entries(SEARCHES))
         report(`search for ${words}`, await search(browser, address, words, wanted));
     const shots = process.env.ORVANTH_SCREENSHOTS;
-    for (const kind of only.length > 0 ? only : KINDS)
-        for (const width of WIDTHS)
-            for (const mode of MODES)
+    const views = WIDTHS.flatMap((width) => MODES.map((mode) => ({ width, mode })));
+    for (const kind of only.length > 0 ? only : [...KINDS, ...OTHERS])
+        for (const { width, mode } of views)
+            if (!OTHERS.includes(kind) || (width === WIDTHS[0]) === (mode === "dark"))
                 report(`${kind}, ${width} pixels, ${mode}`, await check(browser, `${address}/${kind}`, width, mode, shots));
 } finally {
     await browser.close();
