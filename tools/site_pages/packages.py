@@ -14,11 +14,12 @@ PAGES = (("python-stats", "Tests in Python: orvanth.stats", "orvanth.stats", sor
 
 
 def public(tree):
-    """The definitions that __all__ names, or all without an underscore in front where there is no list."""
+    """What __all__ names, or all without an underscore in front where there is no list; functions before classes."""
     names = next((ast.literal_eval(node.value) for node in tree.body if isinstance(node, ast.Assign)
                   and getattr(node.targets[0], "id", "") == "__all__"), None)
-    return [node for node in tree.body if isinstance(node, (ast.FunctionDef, ast.ClassDef))
-            and (node.name in names if names is not None else not node.name.startswith("_"))]
+    found = [node for node in tree.body if isinstance(node, (ast.FunctionDef, ast.ClassDef))
+             and (node.name in names if names is not None else not node.name.startswith("_"))]
+    return sorted(found, key=lambda node: isinstance(node, ast.ClassDef))
 
 
 def code(text):
@@ -59,7 +60,9 @@ def fields(lines):
         if line.strip() and not line.startswith(" "):
             items.append(line)
         elif line.strip():
-            items[-1] += " " + line.strip()
+            # A type and its description stand on two lines.
+            typed = line.strip()[0].isupper() and not items[-1].endswith((".", ",", ";", ":"))
+            items[-1] += (". " if typed else " ") + line.strip()
     out = []
     for item in items:
         name, colon, text = item.partition(" : ")
@@ -77,8 +80,12 @@ def described(docstring, level):
     return "\n\n".join(parts)
 
 
-def signature(node):
-    return f"{node.name}({ast.unparse(node.args)})"
+def signature(node, module=""):
+    """The definition; on several lines where one would be too long."""
+    line = f"{module}{node.name}({ast.unparse(node.args)})"
+    if len(line) <= 76 or not module:
+        return line
+    return f"{module}{node.name}(\n    " + ast.unparse(node.args).replace(", ", ",\n    ") + ")"
 
 
 def page(title, module, files):
@@ -90,11 +97,11 @@ def page(title, module, files):
         tree = ast.parse(file.read_text())
         for node in public(tree):
             docstring = ast.get_docstring(node)
-            if not docstring or (file.name in ("plots.py",)):
+            if not docstring or file.name == "plots.py":
                 continue
             lines += [f"## {escape(node.name)}", ""]
             if isinstance(node, ast.FunctionDef):
-                lines += [f"```python\n{module}.{signature(node)}\n```", ""]
+                lines += [f"```python\n{signature(node, module + '.')}\n```", ""]
             lines += [described(docstring, 3), ""]
             methods = [m for m in node.body if isinstance(m, ast.FunctionDef) and not m.name.startswith("_")
                        and ast.get_docstring(m)] if isinstance(node, ast.ClassDef) else []

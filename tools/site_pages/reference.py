@@ -41,8 +41,8 @@ def failure(export):
 
 
 def declaration(export):
-    arguments = [f"{a.type} {a.name}".replace("* ", " *") for a in export.arguments]
-    one_line = f"{export.result.replace('*', ' *')} {export.name}({', '.join(arguments)});".replace("* ", "*")
+    arguments = [f"{a.type} {a.name}" for a in export.arguments]
+    one_line = f"{export.result} {export.name}({', '.join(arguments)});"
     if len(one_line) <= 76:
         return one_line
     return f"{export.result} {export.name}(\n    " + ",\n    ".join(arguments) + ");"
@@ -184,13 +184,14 @@ def shield_page():
             value, words = table.reserved(export)
             lines.append(f"| [`{export.name}`](reference/{export.name}.md) | {value} | {prose.escape(words)} |")
     lines += ["", "## Where an integer status comes from", "",
-              "A negative status -i of LAPACK names argument i of the routine behind the export.", "",
+              "A negative status -i of LAPACK names argument i of the routine behind the export. A positive status is i "
+              "in the last column.", "",
               "| export | routine | its arguments, from 1 | a positive status |", "|---|---|---|---|"]
     for export in exports():
         if table.info(export):
             routine, names, meaning = table.info(export)
             lines.append(f"| [`{export.name}`](reference/{export.name}.md) | `{routine}` | "
-                         f"{prose.escape(names.replace(',', ', '))} | {prose.escape(meaning) or 'none'} |")
+                         f"{prose.escape(names.replace(',', ', '))} | {prose.escape(meaning.replace('%', 'i')) or 'none'} |")
     lines += ["", "## Forms over arrays", "",
               "`Each<Export>` calls the export for each element of strided arrays. These exports have one: "
               + ", ".join(f"[`{e.name}`](reference/{e.name}.md)" for e in exports() if table.has_array_form(e)) + ".",
