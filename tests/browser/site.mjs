@@ -1,5 +1,5 @@
-// Opens the pages of the manual in headless Chromium: each kind of page at both widths and in both modes, every page for
-// errors on the console and for its width, and the search.
+// Opens the pages of the manual in headless Chromium: each kind of page at both widths and in both modes, every page on a
+// phone for errors on the console, for mathematics and for its width, and the search.
 //
 //     site.mjs FOLDER [PAGE ...]      with pages: these alone
 import { readdirSync, existsSync } from "node:fs";
@@ -98,7 +98,10 @@ const report = (what, faults) => {
 };
 try {
     const pages = only.length > 0 ? only : pagesOf(folder);
-    for (const width of WIDTHS) report(`${pages.length} pages, ${width} pixels`, await glance(browser, address, pages, width));
+    // Two tabs share the pages.
+    const halves = await Promise.all([0, 1].map((half) =>
+        glance(browser, address, pages.filter((_, i) => i % 2 === half), WIDTHS[0])));
+    report(`${pages.length} pages, ${WIDTHS[0]} pixels`, halves.flat());
     for (const [words, wanted] of Object.entries(SEARCHES))
         report(`search for ${words}`, await search(browser, address, words, wanted));
     const shots = process.env.ORVANTH_SCREENSHOTS;
