@@ -162,7 +162,8 @@ def _takes_axis(statistic):
 def _vectorized(statistic, vectorized):
     """The statistic along the last axis."""
     if vectorized:
-        return lambda *samples: statistic(*samples, axis=-1)
+        # Rows are contiguous: the sum of a resample has the same bits beside any number of other data sets.
+        return lambda *samples: statistic(*map(np.ascontiguousarray, samples), axis=-1)
 
     def one_by_one(*samples):
         shape = np.broadcast_shapes(*(s.shape[:-1] for s in samples))
