@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# clang-tidy's rule for names (.clang-tidy) over src/ without what is compiled for Windows alone. A file is looked at again only when it, a header of src/ or the
-# rule has changed; the marks of clean files are in build/names.
+# clang-tidy's rule for names (.clang-tidy) over src/ without what is compiled for Windows alone. A file is looked at
+# again only when it, a header of src/ or the rule has changed; the marks of clean files are in build/names.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
