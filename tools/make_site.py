@@ -13,7 +13,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-from site_pages import plots, programs, reference
+from site_pages import packages, plots, programs, reference
 from signature_table import ROOT
 
 BUILD = ROOT / "build" / "docs"
@@ -95,13 +95,24 @@ def with_plots(text, path, made):
     return re.sub(r"^\{plot\} (\S+) ?(.*)$", replace, text, flags=re.M)
 
 
+def with_pages(text):
+    """{pages} FOLDER: the pages of docs/FOLDER that the list does not name, in the order of their names."""
+    def replace(match):
+        folder = ROOT / "docs" / match[1]
+        listed = set(re.findall(r"^[\w/-]+$", text, re.M))
+        names = [f.stem for f in sorted(folder.glob("*.md")) if f.name not in NOT_SHOWN or match[1] != "."]
+        return "\n".join(name for name in names if name not in listed)
+    return re.sub(r"^\{pages\} (\S+)$", replace, text, flags=re.M)
+
+
 def collect(made):
     shutil.rmtree(PAGES, ignore_errors=True)
     texts = reference.pages(plots.of_page if made is not None else lambda name: ())
+    texts |= packages.pages()
     for file in sorted((ROOT / "docs" / "site").rglob("*")):
         inside = file.relative_to(ROOT / "docs" / "site")
         if file.suffix == ".md":
-            texts[str(inside)] = with_programs(file.read_text())
+            texts[str(inside)] = with_pages(with_programs(file.read_text()))
     for path, text in texts.items():
         put(PAGES / path, with_plots(text, path, made))
     for file in [*sorted((ROOT / "docs").glob("*.md")), *sorted((ROOT / "docs" / "accuracy").glob("*.md")),

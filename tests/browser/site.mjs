@@ -1,5 +1,5 @@
-// Opens the pages of the manual in headless Chromium: each kind of page at both widths and in both modes, every page for
-// errors on the console and for its width, and the search.
+// Opens the pages of the manual in headless Chromium: each kind of page at both widths and in both modes, every page on a
+// phone for errors on the console, for mathematics and for its width, and the search.
 //
 //     site.mjs FOLDER [PAGE ...]      with pages: these alone
 import { readdirSync, existsSync } from "node:fs";
@@ -8,10 +8,12 @@ import { readFile } from "node:fs/promises";
 import { extname, join, normalize, relative } from "node:path";
 import { MODES, WIDTHS, check, openBrowser } from "./check_page.mjs";
 
-// One page of each kind; the others are made by the same code and are only opened.
-const KINDS = ["index.html", "start/python.html", "howto/dunnett.html", "howto/accuracy.html", "howto/distribution.html",
-               "reference/index.html", "reference/distributions.html", "reference/NormalCDF.html", "reference/OLS.html",
-               "reference/LBFGSBStep.html", "shield.html", "hosts.html", "decisions.html", "benchmarks.html",
+// One page of each kind; the others are made by the same code and are only opened. The first ones are looked at at every
+// width in every mode, the others on a dark phone and on a light desk.
+const KINDS = ["index.html", "howto/dunnett.html", "reference/NormalCDF.html", "benchmarks.html"];
+const OTHERS = ["start/python.html", "howto/accuracy.html", "howto/distribution.html", "reference/index.html",
+               "reference/distributions.html", "reference/OLS.html", "packages/python-stats.html",
+               "reference/LBFGSBStep.html", "shield.html", "hosts.html", "decisions.html",
                "accuracy/exports.html", "glossary.html", "project/building.html", "search.html"];
 const SEARCHES = { "Dunnett": "howto/dunnett.html", "Clopper-Pearson": "reference/BinomialPS.html",
                    "studentized range": "howto/all-pairs.html", "reverse communication": "howto/bounds.html",
@@ -96,13 +98,17 @@ const report = (what, faults) => {
 };
 try {
     const pages = only.length > 0 ? only : pagesOf(folder);
-    for (const width of WIDTHS) report(`${pages.length} pages, ${width} pixels`, await glance(browser, address, pages, width));
+    // Two tabs share the pages.
+    const halves = await Promise.all([0, 1].map((half) =>
+        glance(browser, address, pages.filter((_, i) => i % 2 === half), WIDTHS[0])));
+    report(`${pages.length} pages, ${WIDTHS[0]} pixels`, halves.flat());
     for (const [words, wanted] of Object.entries(SEARCHES))
         report(`search for ${words}`, await search(browser, address, words, wanted));
     const shots = process.env.ORVANTH_SCREENSHOTS;
-    for (const kind of only.length > 0 ? only : KINDS)
-        for (const width of WIDTHS)
-            for (const mode of MODES)
+    const views = WIDTHS.flatMap((width) => MODES.map((mode) => ({ width, mode })));
+    for (const kind of only.length > 0 ? only : [...KINDS, ...OTHERS])
+        for (const { width, mode } of views)
+            if (!OTHERS.includes(kind) || (width === WIDTHS[0]) === (mode === "dark"))
                 report(`${kind}, ${width} pixels, ${mode}`, await check(browser, `${address}/${kind}`, width, mode, shots));
 } finally {
     await browser.close();
