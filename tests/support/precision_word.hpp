@@ -45,17 +45,20 @@ private:
 #if defined(_WIN32)
 // On a thread made by the system's own call, of which no run-time library knows.
 template <class Function>
-int OnNewThread(Function function) {
-    struct Work {
-        Function& function;
-        int result;
-    } work{function, 0};
-    const auto run = [](void* given) -> DWORD {
-        Work& own = *static_cast<Work*>(given);
-        own.result = own.function();
+struct Work {
+    static DWORD WINAPI Run(void* given) {
+        Work& work = *static_cast<Work*>(given);
+        work.result = work.function();
         return 0;
-    };
-    const HANDLE thread = CreateThread(nullptr, 1 << 23, static_cast<LPTHREAD_START_ROUTINE>(run), &work, 0, nullptr);
+    }
+    Function& function;
+    int result;
+};
+
+template <class Function>
+int OnNewThread(Function function) {
+    Work<Function> work{function, 0};
+    const HANDLE thread = CreateThread(nullptr, 1 << 23, Work<Function>::Run, &work, 0, nullptr);
     WaitForSingleObject(thread, INFINITE);
     CloseHandle(thread);
     return work.result;

@@ -61,25 +61,27 @@ std::vector<std::uint64_t> Sweep(const Dll& core, const Dll& shield) {
     return bits;
 }
 
+struct SweepWork {
+    const Dll *core, *shield;
+    std::vector<std::uint64_t> bits;
+};
+
+DWORD WINAPI SweepInto(void* given) {
+    SweepWork& work = *static_cast<SweepWork*>(given);
+    work.bits = Sweep(*work.core, *work.shield);
+    return 0;
+}
+
 TEST(Dll, EightThreadsOfTheHostAgreeWithOne) {
     const Dll core(ORVANTH_CORE_DLL), shield(ORVANTH_SHIELD_DLL);
     constexpr int kThreads = 8;
-    struct Work {
-        const Dll *core, *shield;
-        std::vector<std::uint64_t> bits;
-    };
-    std::vector<Work> work(kThreads, Work{&core, &shield, {}});
+    std::vector<SweepWork> work(kThreads, SweepWork{&core, &shield, {}});
     std::vector<HANDLE> threads;
-    const LPTHREAD_START_ROUTINE run = [](void* given) -> DWORD {
-        Work& w = *static_cast<Work*>(given);
-        w.bits = Sweep(*w.core, *w.shield);
-        return 0;
-    };
-    for (Work& w : work) threads.push_back(CreateThread(nullptr, 0, run, &w, 0, nullptr));
+    for (SweepWork& w : work) threads.push_back(CreateThread(nullptr, 0, SweepInto, &w, 0, nullptr));
     WaitForMultipleObjects(kThreads, threads.data(), TRUE, INFINITE);
     for (HANDLE thread : threads) CloseHandle(thread);
     const std::vector<std::uint64_t> alone = Sweep(core, shield);
-    for (const Work& w : work) EXPECT_TRUE(w.bits == alone);
+    for (const SweepWork& w : work) EXPECT_TRUE(w.bits == alone);
 }
 
 TEST(Dll, ResultsDoNotDependOnThePrecisionWord) {

@@ -245,6 +245,8 @@ def test_errors_say_what_is_wrong():
             test([1.0, 2.0])
         with pytest.raises(ValueError, match="at least 2 samples are needed, not 0"):
             test()
+        with pytest.raises(ValueError, match=r"one array of shape \(3, 5\); give each group"):
+            test(np.ones((3, 5)))
     with pytest.raises(ValueError, match="more observations than groups are needed, not 2 in 2 groups"):
         stats.tukey_hsd([1.0], [2.0])
     with pytest.raises(ValueError, match="sample 1 has no observation"):

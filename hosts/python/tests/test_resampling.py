@@ -2,7 +2,7 @@
 import numpy as np
 import pandas as pd
 import pytest
-from orvanth import RandomStream, stats
+from orvanth import RandomStream, random, stats
 
 MICE = np.array([94.0, 197, 16, 38, 99, 141, 23])
 CONTROL = np.array([52.0, 104, 146, 10, 51, 30, 40, 46, 27])
@@ -43,6 +43,16 @@ def test_forms_of_data():
     assert np.array_equal(together.bootstrap_distribution[1], 2 * by_list.bootstrap_distribution)
     columns = stats.bootstrap(many.T, np.median, n_resamples=40, axis=0)
     assert np.array_equal(columns.bootstrap_distribution, together.bootstrap_distribution)
+
+
+@pytest.mark.parametrize("statistic", [np.sum, lambda values: values.sum()])
+def test_a_data_set_has_the_same_bits_in_any_company(statistic):
+    many = random.normals(1, 5 * 37).reshape(5, 37)
+    together = stats.bootstrap(many, statistic, n_resamples=50).bootstrap_distribution
+    for i in range(5):
+        alone = stats.bootstrap(many[i:i + 1], statistic, n_resamples=50)
+        assert np.array_equal(together[i:i + 1], alone.bootstrap_distribution)
+        assert np.array_equal(together[i], stats.bootstrap(many[i], statistic, n_resamples=50).bootstrap_distribution)
 
 
 def test_pairs_stay_together():

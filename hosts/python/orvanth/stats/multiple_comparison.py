@@ -5,6 +5,7 @@ import numpy as np
 
 from . import _laws as laws
 from ._axis import samples as gather
+from ._dask import takes_dask
 from ._results import ConfidenceInterval, first, heading, percent, single_data_set, table
 
 __all__ = ["DunnettResult", "HsuMCBResult", "TukeyHSDResult", "dunnett", "hsu_mcb", "tukey_hsd"]
@@ -143,6 +144,7 @@ class TukeyHSDResult:
         return plots.intervals(ax, rows, f"all pairs, simultaneous {percent(level)} intervals", "difference of means")
 
 
+@takes_dask({"samples": 1})
 def tukey_hsd(*samples, axis=-1, nan_policy="propagate", confidence_level=0.95, names=None):
     """Tukey's test of all pairs of means, with simultaneous intervals.
 
@@ -266,6 +268,7 @@ class DunnettResult:
                                "difference from the control")
 
 
+@takes_dask({"samples": 1, "control": 1})
 def dunnett(*samples, control, alternative="two-sided", axis=-1, nan_policy="propagate", confidence_level=0.95,
             names=None):
     """Dunnett's test of several means against that of a control, with simultaneous intervals.
@@ -395,6 +398,7 @@ class HsuMCBResult:
                                    f"comparison with the best, {percent(level)}\nred: not the best")
 
 
+@takes_dask({"samples": 1})
 def hsu_mcb(*samples, best="largest", axis=-1, nan_policy="propagate", confidence_level=0.95, names=None):
     """Hsu's multiple comparisons with the best: each mean less the best of the others, with simultaneous intervals.
 
