@@ -2,6 +2,7 @@
 import ast
 import re
 
+from hosts import dotnet, python, r, table
 from signature_table import ROOT
 
 from site_pages.prose import escape
@@ -111,5 +112,16 @@ def page(title, module, files):
     return "\n".join(lines)
 
 
+def names_page():
+    """How each language calls the functions over arrays."""
+    lines = ["# Names in Python, C\\# and R", "", "Functions over numbers and arrays. Matrices, random streams and the minimiser "
+             "have forms of their own: [Hosts](../hosts.md).", "", "| export | Python, in `orvanth` | C# | R |", "|---|---|---|---|"]
+    for function in table.functions():
+        if table.has_array_form(function):
+            lines.append(f"| [`{function.name}`](../reference/{function.name}.md) | `{python.snake(function.name)}` | "
+                         f"`{'.'.join(dotnet.place(function))}` | `{r.Function(function).name}` |")
+    return "\n".join(lines + [""])
+
+
 def pages():
-    return {f"packages/{name}.md": page(title, module, files) for name, title, module, files in PAGES if files}
+    return {"packages/names.md": names_page()} | {f"packages/{name}.md": page(title, module, files) for name, title, module, files in PAGES if files}

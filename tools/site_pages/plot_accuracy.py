@@ -172,7 +172,8 @@ def summary(core):
     axis.set_yticks(range(len(names)), list(reversed(names)), fontsize="small")
     axis.set_ylim(-0.8, len(names) - 0.2)
     label(axis, None, "units in the last place", None)
-    axis.legend(frameon=False, loc="lower center", bbox_to_anchor=(0.5, 1.0), ncol=3, fontsize="small")
+    axis.legend(frameon=False, loc="lower center", bbox_to_anchor=(0.4, 1.0), ncol=3, fontsize="small", columnspacing=1,
+                handletextpad=0.4)
     return figure
 
 
@@ -264,7 +265,8 @@ def benchmarks(core):
     axis.set_yticks(range(len(rows)), list(reversed(rows)), fontsize="small")
     axis.set_ylim(-0.7, len(rows) - 0.3)
     label(axis, None, "time of the peer divided by the time here")
-    axis.legend(frameon=False, loc="lower center", bbox_to_anchor=(0.5, 1.0), ncol=3, fontsize="small")
+    axis.legend(frameon=False, loc="lower center", bbox_to_anchor=(0.4, 1.0), ncol=3, fontsize="small", columnspacing=1,
+                handletextpad=0.4)
     return figure
 
 

@@ -19,7 +19,7 @@ DARK = {"#0063a5": "#6cb8f0", "#b34700": "#f0a050", "#00755a": "#4fd1a5", "#8a3b
         INK: "#d5d9de", FAINT: "#3a4048"}
 LINES = ["-", "--", "-.", ":"]
 MARKERS = ["o", "s", "^", "D"]
-MODULES = ("plot_laws", "plot_tasks", "plot_accuracy")
+MODULES = ("plot_laws", "plot_tasks", "plot_accuracy", "plot_exact")
 
 _plots = {}  # name: (function, text)
 _pages = {}  # export or family: [(plot, caption)]

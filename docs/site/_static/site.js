@@ -8,6 +8,13 @@ document.addEventListener("DOMContentLoaded", function () {
   set(".sidebar-tree .caption[role=heading]", "aria-level", "2");
   set(".sidebar-drawer", "aria-label", "All pages");
   set(".toc-drawer", "aria-label", "This page");
+  // The page of the search has no heading.
+  var text = document.querySelector("[role=main]");
+  if (text && !document.querySelector("h1")) {
+    var heading = document.createElement("h1");
+    heading.textContent = "Search";
+    text.prepend(heading);
+  }
   // Doubles of the buttons in the header, for the mouse.
   set(".overlay", "aria-hidden", "true");
   set(".content-icon-container", "role", "navigation");
