@@ -1,6 +1,7 @@
 """Dask arrays in the place of arrays: results stay lazy, and have the bits of one call over everything."""
 import dataclasses
 import pickle
+import warnings
 
 import numpy as np
 import orvanth
@@ -88,6 +89,10 @@ def test_errstate_holds_where_the_elements_are_computed():
             lazy.compute(scheduler="synchronous")
     with np.errstate(invalid="ignore"):
         assert np.isnan(lazy.compute(scheduler="synchronous")).all()
+
+    with np.errstate(invalid="raise"), warnings.catch_warnings():
+        warnings.simplefilter("ignore")
+        assert np.isnan(lazy.compute(scheduler="threads")).all()  # other threads have the states they began with
 
     def strictly(block):
         with np.errstate(invalid="raise"):
