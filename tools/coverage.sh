@@ -10,9 +10,10 @@ if [ "${1:-}" != --judge ]; then
     tools/install_packages.sh coverage
     mkdir -p build
     cmake --preset coverage >build/coverage.log 2>&1 || { cat build/coverage.log; exit 1; }
-    cmake --build --preset coverage
+    # The programs; the tests of tools and of installed trees run other builds.
+    mapfile -t programs < <(ctest --preset coverage -N -R '_test$' | sed -n 's/^ *Test *#[0-9]*: //p')
+    cmake --build --preset coverage --target "${programs[@]}"
     find build/coverage -name '*.gcda' -delete
-    # The programs; the tests of tools and of installed trees build with other options.
     OPENBLAS_NUM_THREADS=1 ctest --preset coverage -R '_test$'
 fi
 

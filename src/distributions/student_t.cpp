@@ -5,6 +5,7 @@
 #include <boost/math/distributions/students_t.hpp>
 
 #include "distributions/checks.hpp"
+#include "frame/boost_detail.hpp"
 #include "frame/flags.hpp"
 #include "frame/policies.hpp"
 #include "orvanth/distributions.h"

@@ -7,6 +7,7 @@
 #include <boost/math/distributions/students_t.hpp>
 #include <boost/math/tools/toms748_solve.hpp>
 
+#include "frame/boost_detail.hpp"
 #include "frame/policies.hpp"
 
 namespace orvanth {

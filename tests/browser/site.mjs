@@ -1,17 +1,19 @@
-// Opens the pages of the manual in headless Chromium: each kind of page at both widths and in both modes, every page for
-// errors on the console and for its width, and the search.
+// Opens the pages of the manual in headless Chromium: each kind of page at both widths and in both modes, every page on a
+// phone for errors on the console, for mathematics and for its width, and the search.
 //
-//     site.mjs FOLDER
+//     site.mjs FOLDER [PAGE ...]      with pages: these alone
 import { readdirSync, existsSync } from "node:fs";
 import { createServer } from "node:http";
 import { readFile } from "node:fs/promises";
 import { extname, join, normalize, relative } from "node:path";
 import { MODES, WIDTHS, check, openBrowser } from "./check_page.mjs";
 
-// One page of each kind; the others are made by the same code and are only opened.
-const KINDS = ["index.html", "start/python.html", "howto/dunnett.html", "howto/accuracy.html", "howto/distribution.html",
-               "reference/index.html", "reference/distributions.html", "reference/NormalCDF.html", "reference/OLS.html",
-               "reference/LBFGSBStep.html", "shield.html", "hosts.html", "decisions.html", "benchmarks.html",
+// One page of each kind; the others are made by the same code and are only opened. The first ones are looked at at every
+// width in every mode, the others on a dark phone and on a light desk.
+const KINDS = ["index.html", "howto/dunnett.html", "reference/NormalCDF.html", "benchmarks.html"];
+const OTHERS = ["start/python.html", "howto/accuracy.html", "howto/distribution.html", "reference/index.html",
+               "reference/distributions.html", "reference/OLS.html", "packages/python-stats.html",
+               "reference/LBFGSBStep.html", "shield.html", "hosts.html", "decisions.html",
                "accuracy/exports.html", "glossary.html", "project/building.html", "search.html"];
 const SEARCHES = { "Dunnett": "howto/dunnett.html", "Clopper-Pearson": "reference/BinomialPS.html",
                    "studentized range": "howto/all-pairs.html", "reverse communication": "howto/bounds.html",
@@ -56,8 +58,8 @@ async function glance(browser, address, paths, width) {
     for (path of paths) {
         await page.goto(`${address}/${path}`, { waitUntil: "load" });
         if (await page.locator("div.math, span.math").count() > 0)
-            await page.waitForFunction(() => document.querySelectorAll(".math .mjx-chtml").length ===
-                document.querySelectorAll(".math").length, null, { timeout: 20000 })
+            await page.waitForFunction(() => [...document.querySelectorAll(".math")].every((m) =>
+                m.querySelector(".mjx-chtml")), null, { timeout: 20000 })
                 .catch(() => tell("mathematics was not set"));
         const [content, window] = await page.evaluate(() => [
             document.documentElement.scrollWidth, document.documentElement.clientWidth]);
@@ -80,7 +82,7 @@ async function search(browser, address, words, wanted) {
         [`the search for "${words}" does not find ${wanted}, but ${found.slice(0, 8).join(", ") || "nothing"}`];
 }
 
-const folder = process.argv[2];
+const [folder, ...only] = process.argv.slice(2);
 if (!folder || !existsSync(join(folder, "index.html"))) {
     console.error("site.mjs FOLDER: the folder with index.html");
     process.exit(2);
@@ -95,14 +97,18 @@ const report = (what, faults) => {
     for (const fault of faults) console.log(`    ${fault}`);
 };
 try {
-    const pages = pagesOf(folder);
-    for (const width of WIDTHS) report(`${pages.length} pages, ${width} pixels`, await glance(browser, address, pages, width));
+    const pages = only.length > 0 ? only : pagesOf(folder);
+    // Two tabs share the pages.
+    const halves = await Promise.all([0, 1].map((half) =>
+        glance(browser, address, pages.filter((_, i) => i % 2 === half), WIDTHS[0])));
+    report(`${pages.length} pages, ${WIDTHS[0]} pixels`, halves.flat());
     for (const [words, wanted] of Object.entries(SEARCHES))
         report(`search for ${words}`, await search(browser, address, words, wanted));
     const shots = process.env.ORVANTH_SCREENSHOTS;
-    for (const kind of process.env.ORVANTH_KINDS?.split(",") ?? KINDS)
-        for (const width of WIDTHS)
-            for (const mode of MODES)
+    const views = WIDTHS.flatMap((width) => MODES.map((mode) => ({ width, mode })));
+    for (const kind of only.length > 0 ? only : [...KINDS, ...OTHERS])
+        for (const { width, mode } of views)
+            if (!OTHERS.includes(kind) || (width === WIDTHS[0]) === (mode === "dark"))
                 report(`${kind}, ${width} pixels, ${mode}`, await check(browser, `${address}/${kind}`, width, mode, shots));
 } finally {
     await browser.close();

@@ -66,6 +66,25 @@ TEST(DensityExtremes, BetaOfTwoLargeParameters) {
     ExpectUnmarked(0, [] { return BetaDerivative(1e305, 1e307, 0.25); });
 }
 
+// Beside the mean the distance from it has few digits left.
+TEST(DensityExtremes, BetaOfTwoLargeParametersBesideTheMean) {
+    struct Case {
+        double a, b, x, density;
+    };
+    for (const Case& c :
+         {Case{1e8, 1e8, 0.50003, 7872.4343305465755}, Case{2e10, 1e11, 0.16666, 0.0017003913604425744},
+          Case{1e12, 3e12, 0.25000002, 1834790.2032149219}, Case{1e18, 3e18, 0.25, 1842635463.8471226},
+          Case{1e20, 1e22, 0.00990099009901, 404941348057.58718}}) {
+        ExpectUnmarked(
+            c.density, [=] { return BetaDerivative(c.a, c.b, c.x); }, 1e-14);
+        ExpectUnmarked(
+            c.density, [=] { return BetaPDF(c.x, c.a, c.b); }, 1e-14);
+    }
+    EXPECT_NEAR(BinomialPDF(3e9, 1e10, 0.3), 8.7056342752407183e-6, 1e-14 * 8.7e-6);
+    EXPECT_NEAR(BinomialPDF(3.00001e11, 1e12, 0.3), 8.0494495100300733e-8, 1e-14 * 8e-8);
+    EXPECT_NEAR(BinomialPDF(3e14, 1e15, 0.3), 2.7529632787052887e-8, 1e-14 * 2.7e-8);
+}
+
 TEST(DensityExtremes, BetaOfOneHugeParameter) {
     ExpectUnmarked(0, [] { return FisherFPDF(1.2053865413755419e-275, kLargest, 344.5); });
     ExpectUnmarked(

@@ -77,6 +77,7 @@ struct Runner<function> {
         const std::tuple<Arguments...> arguments{storage.Next<Arguments>()...};
         errno = call.errnoBefore;
         Catch(outcome, [&] {
+            const Entered entered;
             if constexpr (std::is_void_v<Result>)
                 std::apply(function, arguments);
             else if constexpr (std::is_same_v<Result, double>)

@@ -53,6 +53,7 @@ public:
         const double factr = random.Chance(90) ? random.PowerOfTen(0, 12) : AnyDouble(random);
         const double pgtol = random.Chance(80) ? random.PowerOfTen(-12, -2) : AnyDouble(random);
         value_ = AnyDouble(random);
+        const Entered entered;
         state_ = LBFGSBStart(n_, m, lower_.Data(), upper_.Data(), bounds_.data(), factr, pgtol);
     }
     ~Run() { LBFGSBEnd(state_); }
@@ -61,7 +62,7 @@ public:
 
     void Step(Outcome& outcome) {
         if (done_) return;
-        const int code = LBFGSBStep(state_, x_.Data(), &value_, gradient_.Data());
+        const int code = Next();
         outcome.result = static_cast<std::uint64_t>(code);
         for (std::size_t i = 0; i < size_; ++i) outcome.written = Hash(outcome.written, x_[i]);
         outcome.written = Hash(outcome.written, value_);
@@ -77,6 +78,10 @@ public:
     }
 
 private:
+    int Next() {
+        const Entered entered;
+        return LBFGSBStep(state_, x_.Data(), &value_, gradient_.Data());
+    }
     void Evaluate() {
         const int kept = errno;
         double f = 0;

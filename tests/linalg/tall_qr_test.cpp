@@ -74,6 +74,9 @@ TEST(TallQR, ATestThatIsNearIsLeftToOneColumnAtATime) {
     EXPECT_TRUE(IsFactored(RandomDesign(), 0.49));
     EXPECT_FALSE(IsFactored(RandomDesign(), 0.51));
     EXPECT_FALSE(IsFactored(RandomDesign(), kInf));
+    // A single column keeps all of its length.
+    EXPECT_TRUE(IsFactored(RandomDesign(6000, 1), 0.49));
+    EXPECT_FALSE(IsFactored(RandomDesign(6000, 1), 0.51));
 }
 
 TEST(TallQR, ColumnsNearToCollinearAreLeftToOneColumnAtATime) {

@@ -76,6 +76,12 @@ def prepare(library):
                  lambda core, name=name: planes(name, arguments[name]))
 
 
+def colours():
+    """Cividis without its darkest part, which a dark page would swallow."""
+    from matplotlib import colormaps, colors
+    return colors.ListedColormap(colormaps["cividis"](np.linspace(0.2, 1, 256)))
+
+
 def clipped(errors):
     return np.clip(np.array(errors, dtype=float), LEAST, MOST)
 
@@ -113,7 +119,7 @@ def planes(name, names):
         panels = list(panels.flat)
         last = panels.pop()
         for panel, who in zip(panels, owners):
-            drawn = panel.scatter(x, y, c=np.log10(clipped(found[who])), s=16, cmap="cividis", vmin=-1, vmax=5, edgecolors=EDGE, linewidths=0.5)
+            drawn = panel.scatter(x, y, c=np.log10(clipped(found[who])), s=16, cmap=colours(), vmin=-1, vmax=5, edgecolors=EDGE, linewidths=0.5)
             scale(panel, "x", x)
             scale(panel, "y", y)
             label(panel, f"{name}: {who}", xname, yname)
@@ -166,7 +172,8 @@ def summary(core):
     axis.set_yticks(range(len(names)), list(reversed(names)), fontsize="small")
     axis.set_ylim(-0.8, len(names) - 0.2)
     label(axis, None, "units in the last place", None)
-    axis.legend(frameon=False, loc="lower center", bbox_to_anchor=(0.5, 1.0), ncol=3, fontsize="small")
+    axis.legend(frameon=False, loc="lower center", bbox_to_anchor=(0.4, 1.0), ncol=3, fontsize="small", columnspacing=1,
+                handletextpad=0.4)
     return figure
 
 
@@ -223,7 +230,7 @@ def comparison_error(core):
     figure, panels = axes(1, 3, height=3.2, sharey=True)
     for panel, (stem, found) in zip(panels, points.items()):
         df, k, error = np.array(found).T
-        drawn = panel.scatter(df, error, c=np.log10(k), cmap="cividis", vmin=0.3, vmax=2, s=18, edgecolors=EDGE, linewidths=0.5)
+        drawn = panel.scatter(df, error, c=np.log10(k), cmap=colours(), vmin=0.3, vmax=2, s=18, edgecolors=EDGE, linewidths=0.5)
         panel.set_xscale("log")
         panel.set_yscale("log")
         label(panel, stem + "CDF", "degrees of freedom", "absolute error" if stem == "MCa" else None)
@@ -258,7 +265,8 @@ def benchmarks(core):
     axis.set_yticks(range(len(rows)), list(reversed(rows)), fontsize="small")
     axis.set_ylim(-0.7, len(rows) - 0.3)
     label(axis, None, "time of the peer divided by the time here")
-    axis.legend(frameon=False, loc="lower center", bbox_to_anchor=(0.5, 1.0), ncol=3, fontsize="small")
+    axis.legend(frameon=False, loc="lower center", bbox_to_anchor=(0.4, 1.0), ncol=3, fontsize="small", columnspacing=1,
+                handletextpad=0.4)
     return figure
 
 

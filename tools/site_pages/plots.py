@@ -19,7 +19,7 @@ DARK = {"#0063a5": "#6cb8f0", "#b34700": "#f0a050", "#00755a": "#4fd1a5", "#8a3b
         INK: "#d5d9de", FAINT: "#3a4048"}
 LINES = ["-", "--", "-.", ":"]
 MARKERS = ["o", "s", "^", "D"]
-MODULES = ("plot_laws", "plot_tasks", "plot_accuracy")
+MODULES = ("plot_laws", "plot_tasks", "plot_accuracy", "plot_exact")
 
 _plots = {}  # name: (function, text)
 _pages = {}  # export or family: [(plot, caption)]
@@ -41,7 +41,7 @@ def of_page(name):
 
 def axes(rows=1, columns=1, height=2.9, **options):
     import matplotlib.pyplot as plt
-    figure, made = plt.subplots(rows, columns, figsize=(7.4, height), layout="constrained", **options)
+    figure, made = plt.subplots(rows, columns, figsize=(6.9, height), layout="constrained", **options)
     return figure, made
 
 
@@ -61,7 +61,7 @@ def _style():
     matplotlib.use("Agg")
     import matplotlib.pyplot as plt
     plt.rcParams.update({
-        "font.size": 10.5, "svg.fonttype": "path", "svg.hashsalt": "orvanth", "savefig.transparent": True,
+        "font.size": 11, "svg.fonttype": "path", "svg.hashsalt": "orvanth", "savefig.transparent": True,
         "text.color": INK, "axes.labelcolor": INK, "axes.edgecolor": INK, "xtick.color": INK, "ytick.color": INK,
         "axes.titlecolor": INK, "axes.spines.top": False, "axes.spines.right": False, "axes.grid": True,
         "grid.color": FAINT, "grid.linewidth": 0.6, "axes.axisbelow": True, "lines.linewidth": 1.8,

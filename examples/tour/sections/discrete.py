@@ -4,6 +4,7 @@ from fractions import Fraction
 
 import matplotlib.pyplot as plt
 import numpy as np
+from orvanth import stats
 
 from palette import MID, NAVY, RED
 
@@ -38,6 +39,13 @@ def twins(core, page):
                   ("tea: P(exactly 3 of 4 cups right)", core.HypergeometricPDF(3, 4, 4, 8), 16 / 70),
                   ("tea: P(3 or more right)", core.HypergeometricCDF(2, 4, 4, 8, 1), 17 / 70)],
                  "Fisher's exact tests beside the fractions (619/1330665 is the one he gives)", tolerance=1e-13)
+
+    low, high = stats.proportion_ci([c for c, _ in groups.values()], [sum(g) for g in groups.values()])
+    few = stats.hypergeom_test(convicted, M=total, n=marked, N=drawn, alternative="less")
+    page.compare([(f"{row[0]}: {end} bound", float(value), row[column]) for row, lower, upper in zip(rows, low, high)
+                  for end, value, column in (("lower", lower, 3), ("upper", upper, 4))]
+                 + [("twins: P(2 or fewer of the 12 convicted among the 17)", float(few.pvalue), 619 / 1330665)],
+                 "The same through orvanth.stats", tolerance=1e-12, headers=("orvanth.stats", "exports"))
 
 
 def lot_acceptance(core, page):

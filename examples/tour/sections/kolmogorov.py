@@ -3,6 +3,7 @@ import csv
 
 import matplotlib.pyplot as plt
 import numpy as np
+from orvanth import stats
 
 from palette import BLUE, NAVY, PALE, RED, SKY
 
@@ -26,6 +27,11 @@ def run(core, page):
     page.compare([(f"P(D > x), n = {size}, x = {x}", core.KolmogorovICDF(alpha, size, 1), x)
                   for size, alpha, x in ((5, 0.05, 0.56328), (10, 0.05, 0.40925), (20, 0.01, 0.35241))],
                  "Percentage points beside Miller's table (1956)", tolerance=2e-5)
+    result = stats.ks_1samp(weights, "normal", args=(5.0, 0.7))
+    band = result.confidence_band(0.95)[1]
+    page.compare([("D", float(result.statistic), float(d)), ("p-value", float(result.pvalue), core.KolmogorovCDF(d, n, 1)),
+                  ("half the width of the 95 % band", float(band.high[0] - steps[0]), point)],
+                 "The same test through orvanth.stats", tolerance=1e-12, headers=("orvanth.stats", "exports"))
 
     grid = np.linspace(3.2, 6.8, 300)
     curve = np.array([core.NormalCDF(x, 5.0, 0.7, 0) for x in grid])

@@ -4,6 +4,7 @@ import math
 
 import matplotlib.pyplot as plt
 import numpy as np
+from orvanth import CollinearityError, stats
 
 from palette import BLUE, GREY, RED
 
@@ -141,4 +142,14 @@ def run(core, page):
     page.compare([("column that OLS stops at", status, 8), ("largest change of the right-hand side",
                                                            float(np.abs(b[:, 0] - employed).max()), 0.0)],
                  "Exactly collinear design", tolerance=0, headers=("computed", "expected"))
+
+    fit = stats.ols(design[:, 1:], employed, names=LONGLEY[1:])
+    page.compare([("price deflator", fit.coefficients[1], values["B1"]),
+                  ("  standard error", fit.standard_errors[1], values["B1_sd"]),
+                  ("R squared", float(fit.r_squared), 0.995479004577296), ("F", float(fit.fvalue), 330.285339234588)],
+                 "Longley's data through orvanth.stats, beside NIST's certified values", tolerance=1e-9)
+    try:
+        stats.ols(redundant[:, 1:], employed, names=[*LONGLEY[1:], "unemployed + armed forces"])
+    except CollinearityError as error:
+        page.text(f"orvanth.stats names the redundant term: {error}.")
     components(core, page, predictors)

@@ -4,6 +4,7 @@ import csv
 import matplotlib.pyplot as plt
 import mpmath
 import numpy as np
+from orvanth import stats
 
 from palette import BLUE, PALE, RED, SOFT
 
@@ -71,6 +72,14 @@ def run(core, page):
     low, high = analyse(core, page, "Convictions of twins", twins,
                         {"p": 0.0005367241, "odds": 0.0469366390497, "low": 0.00331716395066,
                          "high": 0.363189602357})
+
+    result = stats.fisher_exact([[2, 15], [10, 3]])
+    ends = result.confidence_interval(0.95)
+    page.compare([("two-sided exact p", float(result.pvalue), 0.0005367241),
+                  ("conditional odds ratio", float(result.statistic), 0.0469366390497),
+                  ("95 % interval from", float(ends.low), 0.00331716395066),
+                  ("95 % interval to", float(ends.high), 0.363189602357)],
+                 "Convictions of twins through orvanth.stats", tolerance=1e-7)
 
     x, n, m, N = twins
     odds = np.geomspace(1e-3, 2, 200)

@@ -88,7 +88,8 @@ def run(core, page):
     height = np.array([[objective(np.array([a, b, 0]))[0] for a, b in zip(*row)] for row in zip(levels, slopes)])
     left.contour(levels, slopes, np.log(height - f + 0.3), 14, colors=GREY, linewidths=0.8)
     left.plot(path[:, 0], path[:, 1], "o-", color=RED, markersize=4, linewidth=1.2)
-    left.set(xlabel="level", ylabel="slope", title=f"{len(path) - 1} iterates", xlim=(-0.6, 1.4), ylim=(0.5, 27), xticks=(-0.5, 0, 0.5, 1))
+    left.set(xlabel="level", ylabel="slope", title=f"{len(path) - 1} iterates", xlim=(-0.6, 1.4), ylim=(0.5, 27),
+             xticks=(-0.5, 0, 0.5, 1))
     right.plot(dose, killed / exposed, "o", color=INK)
     for (name, v), colour in zip(fits, (RED, BLUE, GREY)):
         right.plot(grid, probabilities(v, grid - CENTRE)[0], color=colour, label=name)

@@ -3,6 +3,7 @@ import csv
 
 import matplotlib.pyplot as plt
 import numpy as np
+from orvanth import stats
 
 from palette import BLUE, RED, SKY
 
@@ -31,6 +32,9 @@ def run(core, page):
     page.table(("mean of trt2", "from", "to"), [("bootstrap, 4000 resamples", float(low), float(high)),
                                                 ("Student t", weights.mean() - half, weights.mean() + half)],
                f"95 % intervals of the mean, {weights.mean():.4f}")
+    resampled = stats.bootstrap(weights, np.mean, n_resamples=RESAMPLES, seed=20240)
+    page.holds("orvanth.stats.bootstrap has the same resamples from this seed",
+               np.allclose(np.sort(resampled.bootstrap_distribution), means, rtol=1e-14))
 
     # Kolmogorov's statistic of simulated normal samples follows its own exact distribution.
     draws = np.zeros(SAMPLE * REPEATS)

@@ -3202,9 +3202,9 @@ def refined_mca_cdf(x, k, df, lambda_, *, upper=False, out=None):
     k : int
         number of groups, 1 to 46341
     df : float
-        degrees of freedom of the scale, greater than 0; infinity is a known scale
+        degrees of freedom of the scale, at least 0.001; infinity is a known scale
     lambda_ : array of float
-        k coefficients in (-1, 1); the first counts, 1/sqrt 2 for the range
+        k coefficients in [-0.9999, 0.9999]; the first counts, 1/sqrt 2 for the range
     upper : bool
         zero in its low byte: P(X <= x); otherwise P(X > x), computed as a tail
 
@@ -3226,8 +3226,8 @@ def refined_mca_cdf(x, k, df, lambda_, *, upper=False, out=None):
 
     Failure
     -------
-    A quiet NaN and a status. Domain: df <= 0 or NaN, x a NaN, k of 0 or above 46341, |lambda[0]| >= 1.
-    Argument: k < 0, lambda null. Memory: no memory for k doubles.
+    A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k > 46341, |lambda[0]| >
+    0.9999. Argument: k < 0, lambda null. Memory: no memory for k doubles.
 
     References
     ----------
@@ -3260,9 +3260,9 @@ def refined_mca_icdf(p, k, df, lambda_, *, upper=False, out=None):
     k : int
         number of groups, 2 to 46341
     df : float
-        degrees of freedom, greater than 0; infinity is a known scale
+        degrees of freedom, at least 0.001; infinity is a known scale
     lambda_ : array of float
-        k coefficients in (-1, 1); the first counts, 1/sqrt 2 for the range
+        k coefficients in [-0.9999, 0.9999]; the first counts, 1/sqrt 2 for the range
     upper : bool
         zero in its low byte: P(X <= x) = p; otherwise P(X > x) = p
 
@@ -3278,13 +3278,13 @@ def refined_mca_icdf(p, k, df, lambda_, *, upper=False, out=None):
 
     Edges
     -----
-    p = 0, with a set tail p = 1: 0. An infinite quantile is a failure.
+    p = 0, with a set tail p = 1: 0. A quantile above 1e307 is a failure.
 
     Failure
     -------
-    A quiet NaN and a status. Domain: df <= 0 or NaN, p outside [0, 1], k below 2 or above 46341,
-    |lambda[0]| >= 1; p beyond what is reached with another lambda[0] than 1/sqrt 2. Overflow: p = 1,
-    with a set tail p = 0. Argument: k < 0, lambda null. Memory: no memory for k doubles.
+    A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+    |lambda[0]| > 0.9999; p beyond what is reached with another lambda[0] than 1/sqrt 2. Overflow: p =
+    1, with a set tail p = 0. Argument: k < 0, lambda null. Memory: no memory for k doubles.
 
     References
     ----------
@@ -3317,9 +3317,9 @@ def refined_mcb_cdf(x, k, df, lambda_, *, upper=False, out=None):
     k : int
         number of groups, 1 to 46341
     df : float
-        degrees of freedom of the scale, greater than 0; infinity is a known scale
+        degrees of freedom of the scale, at least 0.001; infinity is a known scale
     lambda_ : array of float
-        k coefficients in (-1, 1); the first k - 1 count
+        k coefficients in [-0.9999, 0.9999]; the first k - 1 count
     upper : bool
         zero in its low byte: P(X <= x); otherwise P(X > x), computed as a tail
 
@@ -3340,8 +3340,8 @@ def refined_mcb_cdf(x, k, df, lambda_, *, upper=False, out=None):
 
     Failure
     -------
-    A quiet NaN and a status. Domain: df <= 0 or NaN, x a NaN, k of 0 or above 46341, |lambda[j]| >= 1
-    for a j below k - 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
+    A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k > 46341, |lambda[j]| >
+    0.9999 for a j below k - 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
 
     References
     ----------
@@ -3374,9 +3374,9 @@ def refined_mcb_icdf(p, k, df, lambda_, *, upper=False, out=None):
     k : int
         number of groups, 2 to 46341
     df : float
-        degrees of freedom, greater than 0; infinity is a known scale
+        degrees of freedom, at least 0.001; infinity is a known scale
     lambda_ : array of float
-        k coefficients in (-1, 1); the first k - 1 count
+        k coefficients in [-0.9999, 0.9999]; the first k - 1 count
     upper : bool
         zero in its low byte: P(X <= x) = p; otherwise P(X > x) = p
 
@@ -3392,13 +3392,13 @@ def refined_mcb_icdf(p, k, df, lambda_, *, upper=False, out=None):
 
     Edges
     -----
-    An infinite quantile is a failure.
+    A quantile above 1e307 is a failure.
 
     Failure
     -------
-    A quiet NaN and a status. Domain: df <= 0 or NaN, p outside [0, 1], k below 2 or above 46341,
-    |lambda[j]| >= 1 for a j below k - 1. Overflow: p = 1, with a set tail p = 0; p = 0, with a set tail
-    p = 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
+    A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+    |lambda[j]| > 0.9999 for a j below k - 1. Overflow: p = 1, with a set tail p = 0; p = 0, with a set
+    tail p = 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
 
     References
     ----------
@@ -3431,9 +3431,9 @@ def refined_mcc_cdf(x, k, df, lambda_, *, upper=False, out=None):
     k : int
         number of groups, 1 to 46341
     df : float
-        degrees of freedom of the scale, greater than 0; infinity is a known scale
+        degrees of freedom of the scale, at least 0.001; infinity is a known scale
     lambda_ : array of float
-        k coefficients in (-1, 1); the first k - 1 count
+        k coefficients in [-0.9999, 0.9999]; the first k - 1 count
     upper : bool
         zero in its low byte: P(X <= x); otherwise P(X > x), computed as a tail
 
@@ -3454,8 +3454,8 @@ def refined_mcc_cdf(x, k, df, lambda_, *, upper=False, out=None):
 
     Failure
     -------
-    A quiet NaN and a status. Domain: df <= 0 or NaN, x a NaN, k of 0 or above 46341, |lambda[j]| >= 1
-    for a j below k - 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
+    A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k > 46341, |lambda[j]| >
+    0.9999 for a j below k - 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
 
     References
     ----------
@@ -3488,9 +3488,9 @@ def refined_mcc_icdf(p, k, df, lambda_, *, upper=False, out=None):
     k : int
         number of groups, 2 to 46341
     df : float
-        degrees of freedom, greater than 0; infinity is a known scale
+        degrees of freedom, at least 0.001; infinity is a known scale
     lambda_ : array of float
-        k coefficients in (-1, 1); the first k - 1 count
+        k coefficients in [-0.9999, 0.9999]; the first k - 1 count
     upper : bool
         zero in its low byte: P(X <= x) = p; otherwise P(X > x) = p
 
@@ -3506,12 +3506,12 @@ def refined_mcc_icdf(p, k, df, lambda_, *, upper=False, out=None):
 
     Edges
     -----
-    p = 0, with a set tail p = 1: 0. An infinite quantile is a failure.
+    p = 0, with a set tail p = 1: 0. A quantile above 1e307 is a failure.
 
     Failure
     -------
-    A quiet NaN and a status. Domain: df <= 0 or NaN, p outside [0, 1], k below 2 or above 46341,
-    |lambda[j]| >= 1 for a j below k - 1. Overflow: p = 1, with a set tail p = 0. Argument: k < 0,
+    A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+    |lambda[j]| > 0.9999 for a j below k - 1. Overflow: p = 1, with a set tail p = 0. Argument: k < 0,
     lambda null. Memory: no memory for k doubles.
 
     References
