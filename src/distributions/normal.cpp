@@ -31,6 +31,13 @@ double RejectVariate(double x) {
                        "Random variate x is %1%, but must be finite!", x);
 }
 
+// (x - mean) / (sd sqrt(2)), where the distance and the product may overflow and the quotient not.
+double ErrorFunctionArgument(double x, double mean, double sd) {
+    const double distance = x - mean, divisor = sd * std::numbers::sqrt2;
+    if (std::isinf(distance) || std::isinf(divisor)) return (x / sd - mean / sd) / std::numbers::sqrt2;
+    return distance / divisor;
+}
+
 }  // namespace
 
 ORVANTH_API(double) NormalPDF(double x, double mean, double sd) {
@@ -56,12 +63,12 @@ ORVANTH_API(double) NormalCDF(double x, double mean, double sd, TailFlag tail) {
         if (!valid) return kNaN;
         if (std::isinf(x)) return x > 0 ? 1 : 0;
         if (std::isnan(x)) return RejectVariate(x);
-        return ErfCValue(-(x - mean) / (sd * std::numbers::sqrt2)) / 2;
+        return ErfCValue(-ErrorFunctionArgument(x, mean, sd)) / 2;
     }
     if (std::isinf(x)) return x > 0 ? 0 : 1;
     if (!valid) return kNaN;
     if (std::isnan(x)) return RejectVariate(x);
-    return ErfCValue((x - mean) / (sd * std::numbers::sqrt2)) / 2;
+    return ErfCValue(ErrorFunctionArgument(x, mean, sd)) / 2;
 }
 
 ORVANTH_API(double) NormalICDF(double p, double mean, double sd, TailFlag tail) {
@@ -70,6 +77,7 @@ ORVANTH_API(double) NormalICDF(double p, double mean, double sd, TailFlag tail) 
     if (!(p >= 0 && p <= 1))
         return RaiseDomain("boost::math::quantile(const normal_distribution<%1%>&, %1%)",
                            "Probability argument is %1%, but must be >= 0 and <= 1 !", p);
-    const double z = InverseErfCValue(2 * p) * (sd * std::numbers::sqrt2);
+    const double argument = InverseErfCValue(2 * p), factor = sd * std::numbers::sqrt2;
+    const double z = std::isinf(factor) ? argument * std::numbers::sqrt2 * sd : argument * factor;
     return IsSet(tail) ? z + mean : -z + mean;
 }

@@ -115,6 +115,16 @@ TEST(DensityExtremes, NormalWhereASquareLeavesTheRange) {
     ExpectUnmarked(3.9894228040143267e299, [] { return NormalPDF(0, 0, 1e-300); });
 }
 
+// Also of the other two functions: the distance, or root two times the standard deviation, overflows.
+TEST(DensityExtremes, NormalProbabilitiesAndQuantilesOfHugeStandardDeviations) {
+    ExpectUnmarked(1000, [] { return NormalICDF(0.5, 1000, kLargest, 0); });
+    ExpectUnmarked(1000, [] { return NormalICDF(0.5, 1000, kLargest, 1); });
+    ExpectUnmarked(0.5 * kLargest, [] { return NormalICDF(0.69146246127401310, 0, kLargest, 0); });
+    ExpectUnmarked(0.69146246127401310, [] { return NormalCDF(0.5 * kLargest, 0, kLargest, 0); });
+    ExpectUnmarked(0.30853753872598690, [] { return NormalCDF(0.5 * kLargest, 0, kLargest, 1); });
+    ExpectUnmarked(0.97724986805182079, [] { return NormalCDF(1e308, -1e308, 1e308, 0); });
+}
+
 TEST(DensityExtremes, NormalBeyondTheLargestDoubleIsMarked) {
     const auto call = CallWithErrno(7, [] { return NormalPDF(0, 0, 1e-310); });
     EXPECT_EQ(call.value, kInfinity);
