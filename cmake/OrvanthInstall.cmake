@@ -25,5 +25,11 @@ install(FILES ${package_dir}/OrvanthCoreMathConfig.cmake ${package_dir}/OrvanthC
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/OrvanthCoreMath)
 
 file(RELATIVE_PATH prefix_from_pc "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
-configure_file(${PROJECT_SOURCE_DIR}/cmake/orvanth-core-math.pc.in ${package_dir}/orvanth-core-math.pc @ONLY)
-install(FILES ${package_dir}/orvanth-core-math.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(pkg_config_files orvanth-core-math)
+if(ORVANTH_SHIELD)
+  list(APPEND pkg_config_files orvanth-core-math-shield)
+endif()
+foreach(name ${pkg_config_files})
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in ${package_dir}/${name}.pc @ONLY)
+  install(FILES ${package_dir}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()

@@ -30,4 +30,4 @@ echo "== pages"
 /usr/bin/python3 tests/site/pages_test.py "$work/html"
 
 echo "== in a browser"
-tests/browser/site.sh "$work/html"
+tests/browser/check.sh --site "$work/html"

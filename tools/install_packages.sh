@@ -7,6 +7,7 @@ cd "$(dirname "$0")/.."
 declare -A sets
 sets[build]="g++ gfortran cmake ninja-build ccache python3 python3-numpy python3-matplotlib python3-mpmath dpkg-dev patch
              ca-certificates libboost-dev libopenblas-dev liblapacke-dev"
+sets[tour]="${sets[build]} python3-dev"
 sets[check]="${sets[build]} libgtest-dev googletest clang-14 libclang-rt-14-dev clang-format clang-tidy
              nlohmann-json3-dev pkg-config binutils"
 sets[coverage]="${sets[check]} gcovr"
@@ -15,6 +16,7 @@ sets[hosts]="${sets[check]} python3-dev python3-pytest python3-hypothesis python
              mono-mcs mono-runtime nunit-console libnunit-framework2.6.3-cil
              r-base-core r-base-dev r-cran-testthat"
 sets[bench]="${sets[build]} libbenchmark-dev libgsl-dev r-mathlib r-base-core python3-scipy valgrind"
+sets[package]="${sets[hosts]} debhelper lintian"
 sets[windows]="${sets[build]} g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix gfortran-mingw-w64-x86-64-posix
                gfortran-mingw-w64-i686-posix wine wine64 debootstrap googletest nlohmann-json3-dev"
 sets[browser]="nodejs chromium"

@@ -20,6 +20,8 @@ Version: {version}
 Summary: Distributions, special functions, linear algebra, random numbers and a minimiser
 Requires-Python: =={python}.*
 Requires-Dist: numpy
+Provides-Extra: plot
+Requires-Dist: matplotlib; extra == "plot"
 
 Needs the shared libraries of OpenBLAS, gfortran and g++: on Debian libopenblas0, libgfortran5 and libstdc++6.
 """

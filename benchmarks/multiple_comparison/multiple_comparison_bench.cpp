@@ -3,9 +3,11 @@
 #include <benchmark/benchmark.h>
 
 #include <cmath>
+#include <string>
 #include <vector>
 
 #include "multiple_comparison/plain_mc.hpp"
+#include "multiple_comparison/refined.hpp"
 #include "orvanth/multiple_comparison.h"
 
 #ifdef BENCH_RMATH
@@ -68,6 +70,41 @@ BENCHMARK_CAPTURE(Plain, Dunnett_unbalanced, Statistic::kDunnett, false)
 BENCHMARK_CAPTURE(Quantile, Tukey, MCaICDF, true)->Name("MCaICDF/here")->Arg(3)->Arg(10);
 BENCHMARK_CAPTURE(Quantile, Hsu, MCbICDF, true)->Name("MCbICDF/here")->Arg(3)->Arg(10);
 BENCHMARK_CAPTURE(Quantile, Dunnett, MCcICDF, true)->Name("MCcICDF/here")->Arg(3)->Arg(10);
+
+// The refined forms beside the plain exports, where the plain sum is shortest and longest.
+using Refined = double (*)(double, std::int32_t, double, std::span<const double>, bool);
+
+struct RefinedPair {
+    const char* name;
+    Refined refined;
+    Export plain;
+    bool isQuantile;
+};
+
+const RefinedPair kRefined[] = {
+    {"RefinedMCaCDF", RefinedTukeyCDF, MCaCDF, false},   {"RefinedMCaICDF", RefinedTukeyICDF, MCaICDF, true},
+    {"RefinedMCbCDF", RefinedHsuCDF, MCbCDF, false},     {"RefinedMCbICDF", RefinedHsuICDF, MCbICDF, true},
+    {"RefinedMCcCDF", RefinedDunnettCDF, MCcCDF, false}, {"RefinedMCcICDF", RefinedDunnettICDF, MCcICDF, true},
+};
+
+void RegisterRefined(const RefinedPair& pair, std::int32_t k, double df) {
+    const std::vector<double> lambda = Lambda(k, true);
+    const double first = pair.isQuantile ? 0.95 : RefinedDunnettICDF(0.95, k, df, lambda, false);
+    const std::string place = "/df:" + std::to_string(static_cast<int>(df)) + "/" + std::to_string(k);
+    benchmark::RegisterBenchmark((pair.name + ("/here" + place)).c_str(), [=](benchmark::State& state) {
+        for (auto _ : state) benchmark::DoNotOptimize(pair.refined(first, k, df, lambda, false));
+    });
+    benchmark::RegisterBenchmark((pair.name + ("/plain form" + place)).c_str(), [=](benchmark::State& state) {
+        for (auto _ : state) benchmark::DoNotOptimize(pair.plain(first, k, df, lambda.data(), 0));
+    });
+}
+
+const bool kRegistered = [] {
+    for (const RefinedPair& pair : kRefined)
+        for (const std::int32_t k : {3, 100})
+            for (const double df : {1.0, 10.0, 999.0, 1000.0}) RegisterRefined(pair, k, df);
+    return true;
+}();
 
 #ifdef BENCH_RMATH
 void RmathCumulative(benchmark::State& state) {

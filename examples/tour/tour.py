@@ -35,7 +35,7 @@ def main(arguments):
         print(f"  ({name}: {time.monotonic() - start:.1f} s)", flush=True)
     page.write(Path(report))
     print(f"\nThe page with the plots: {report}")
-    print(f"{page.compared} computed values stand beside published ones; {len(page.disagreements)} disagree.")
+    print(f"{page.checked} checks: values beside published ones and statements; {len(page.disagreements)} fail.")
     for line in page.disagreements:
         print("  " + line)
     return 1 if page.disagreements else 0

@@ -21,7 +21,7 @@ NUSPEC = """\
     <authors>Orvanth</authors>
     <requireLicenseAcceptance>false</requireLicenseAcceptance>
     <description>Distributions, special functions, multiple comparisons, linear algebra, random numbers and a minimiser. \
-On Linux the system's OpenBLAS, gfortran and g++ libraries are needed (Debian: libopenblas0 libgfortran5 libstdc++6).</description>
+On Linux the system's OpenBLAS, gfortran and g++ libraries are needed (Debian: libopenblas0 libgfortran5 libstdc++6), on Windows nothing else.</description>
     <dependencies>
       <group targetFramework=".NETStandard2.0" />
     </dependencies>
@@ -41,9 +41,9 @@ TYPES = """\
 {defaults}
 </Types>
 """
-# The file that the assembly loads, and the one that it needs, as the system asks for them.
+# The file that the assembly loads, and the one that it needs, as the system asks for them. On Windows it needs none.
 NATIVE = {"linux": ("libOrvanth.Core.Math.Shield.so", "libOrvanth.Core.Math.so.1"),
-          "win": ("Orvanth.Core.Math.Shield.dll", "Orvanth.Core.Math.dll")}
+          "win": ("Orvanth.Core.Math.Shield.dll",)}
 
 
 def version():

@@ -8,6 +8,8 @@ tools/install_packages.sh hosts
 cmake --preset "$preset" -DORVANTH_PYTHON=ON >"build/$preset-python.log" 2>&1 || { cat "build/$preset-python.log"; exit 1; }
 cmake --build --preset "$preset" --target orvanth_python
 ctest --test-dir "build/$preset" -R '^python_package$' --output-on-failure
+# A cluster of processes on this machine that loses a worker.
+PYTHONPATH=$PWD/build/$preset/python examples/cluster/run.sh --small
 
 wheels=build/$preset/wheels
 /usr/bin/python3 tools/make_wheel.py "build/$preset/python" "$wheels"

@@ -211,6 +211,7 @@ ORVANTH_API(double) ChiSquaredCDF(double x, double df, TailFlag tail);
  * @return x.
  * @par Edges
  * p = 0: 0. p = 1: +infinity, and errno stays as it was. With the flag set the reverse.
+ * A quantile beyond the largest double: +infinity, and errno stays as it was.
  * @par Failure
  * Silent. A bad df: NaN, errno 33. A good df with p outside [0, 1]: errno 33, and the calculation goes
  * on to NaN. p a NaN: NaN, and errno 33 only if df is bad.
@@ -438,6 +439,7 @@ ORVANTH_API(double) GammaCDF(double x, double shape, double scale, TailFlag tail
  * @return x.
  * @par Edges
  * p = 0: 0. p = 1: +infinity with errno 34. With the flag set the reverse.
+ * A quantile beyond the largest double: +infinity, and errno stays as it was.
  * @par Failure
  * Silent. A bad shape or scale, or p outside [0, 1] or a NaN: NaN, errno 33.
  * If no search arrives: the value reached, errno 33; no such argument is known.
@@ -476,7 +478,8 @@ ORVANTH_API(double) GammaICDF(double p, double shape, double scale, TailFlag tai
  * @par Edges
  * x = -infinity or +infinity: 0, also with a bad mean or sd, which then only sets errno.
  * @par Failure
- * Silent. A bad mean or sd: errno 33, and NaN unless x is infinite. x a NaN: NaN, errno 33.
+ * Silent. A bad mean or sd: errno 33, and NaN unless x is infinite. x a NaN: NaN, errno 33. A
+ * density beyond the largest double: +infinity, errno 34.
  * @par Threads
  * Reentrant: calls may overlap in time.
  * @par Memory
@@ -550,6 +553,7 @@ ORVANTH_API(double) NormalCDF(double x, double mean, double sd, TailFlag tail);
  * @return x.
  * @par Edges
  * p = 0: -infinity. p = 1: +infinity. Both with errno 34; with the flag set the reverse.
+ * A quantile beyond the largest double: an infinity, and errno stays as it was.
  * @par Failure
  * Silent. A bad mean or sd, or p outside [0, 1] or a NaN: NaN, errno 33.
  * @par Threads

@@ -423,7 +423,8 @@ ORVANTH_API(int32_t) LS(double* a, const MatrixDescriptor* aDescriptor, double* 
  *                         max(1, m, n); rows is not read
  * @param[out] x           n by k; on status 0 the coefficients of a single right-hand side, in the
  *                         order of the columns. Of several only the first column is a solution: solve
- *                         for one at a time
+ *                         for one at a time. The others are written as well, to elements n to n + k
+ *                         - 2 from the first, whatever the leading dimension
  * @param[in] xDescriptor  view of x, offset honoured: leadingDimension >= max(1, n); nothing else is
  *                         read
  * @param[out] tau         min(m, n) doubles, the factors of the reflectors

@@ -50,10 +50,16 @@
  *     k to 100, MCa               1.5e-3   1.5e-3  1.5e-3  1.5e-3    1.5e-3      1.5e-3
  *
  * Beyond this limit some p have a quantile and others throw.
+ *
+ * The shield has refined forms of the six without these limits: SafeRefinedMCaCDF and so on in
+ * orvanth/shield.h. Over k to 100 and df from 1 to infinity a probability is within 1e-10, a tail down
+ * to 1e-12 within 1e-9 of itself, a quantile within 1e-8 of itself.
  */
 
 /**
  * Cumulative probability of the largest of all pairwise comparisons (Tukey).
+ *
+ * SafeRefinedMCaCDF of orvanth/shield.h is within 1e-10 at every df from 1 on and k to 100.
  *
  * @par Formula
  * @code{.unparsed}
@@ -100,6 +106,8 @@ ORVANTH_API(double) MCaCDF(double x, int32_t k, double df, const double* lambda,
 /**
  * Quantile of the largest of all pairwise comparisons (Tukey).
  *
+ * SafeRefinedMCaICDF of orvanth/shield.h is within 1e-8 of itself at every df from 1 on and k to 100.
+ *
  * @par Formula
  * @code{.unparsed}
  * The x with MCaCDF(x, k, df, lambda, 0) = p, by Algorithm 748 between the quantile of a
@@ -145,6 +153,8 @@ ORVANTH_API(double) MCaICDF(double p, int32_t k, double df, const double* lambda
 /**
  * Cumulative probability of the largest one-sided comparison with one group (Hsu, one-sided Dunnett).
  *
+ * SafeRefinedMCbCDF of orvanth/shield.h is within 1e-10 at every df from 1 on and k to 100.
+ *
  * @par Formula
  * @code{.unparsed}
  * F(x) = integral over s > 0 of f(s) C(x s) ds, f the density of sqrt(chi-squared / df),
@@ -188,6 +198,8 @@ ORVANTH_API(double) MCbCDF(double x, int32_t k, double df, const double* lambda,
 
 /**
  * Quantile of the largest one-sided comparison with one group (Hsu, one-sided Dunnett).
+ *
+ * SafeRefinedMCbICDF of orvanth/shield.h is within 1e-8 of itself at every df from 1 on and k to 100.
  *
  * @par Formula
  * @code{.unparsed}
@@ -234,6 +246,8 @@ ORVANTH_API(double) MCbICDF(double p, int32_t k, double df, const double* lambda
 /**
  * Cumulative probability of the largest two-sided comparison with a control (Dunnett).
  *
+ * SafeRefinedMCcCDF of orvanth/shield.h is within 1e-10 at every df from 1 on and k to 100.
+ *
  * @par Formula
  * @code{.unparsed}
  * F(x) = integral over s > 0 of f(s) C(x s) ds, f the density of sqrt(chi-squared / df),
@@ -277,6 +291,8 @@ ORVANTH_API(double) MCcCDF(double x, int32_t k, double df, const double* lambda,
 
 /**
  * Quantile of the largest two-sided comparison with a control (Dunnett).
+ *
+ * SafeRefinedMCcICDF of orvanth/shield.h is within 1e-8 of itself at every df from 1 on and k to 100.
  *
  * @par Formula
  * @code{.unparsed}

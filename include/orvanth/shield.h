@@ -73,6 +73,8 @@ enum OrvanthStatus {
 
 /** The kind of failure of this thread's last call into the shield; 0 after a success. */
 ORVANTH_SHIELD_API(int32_t) LastStatus(void);
+/** Where the library keeps LastStatus for the calling thread. The address is asked once a thread and read after each call; it holds as long as that thread lives. */
+ORVANTH_SHIELD_API(const int32_t*) LastStatusAddress(void);
 /** What failed in this thread's last call, in words; empty after a success. Valid until the thread's next call. */
 ORVANTH_SHIELD_API(const char*) LastErrorText(void);
 /** The name of the argument at fault in this thread's last call where it is known, otherwise empty. */
@@ -326,16 +328,16 @@ ORVANTH_SHIELD_API(void) EachMCcICDF(char* const* pointers, const intptr_t* dime
  * @endcode
  * @param[in] x       the statistic on the scale of t; any double but NaN
  * @param[in] k       number of groups, 1 to 46341
- * @param[in] df      degrees of freedom of the scale, greater than 0; infinity is a known scale
- * @param[in] lambda  k coefficients in (-1, 1); the first counts, 1/sqrt 2 for the range
+ * @param[in] df      degrees of freedom of the scale, at least 0.001; infinity is a known scale
+ * @param[in] lambda  k coefficients in [-0.9999, 0.9999]; the first counts, 1/sqrt 2 for the range
  * @param[in] tail    zero in its low byte: P(X <= x); otherwise P(X > x), computed as a tail
  * @return the probability.
  * @par Edges
  * x of 0 and below: 0. x = infinity: 1. k = 1: 1. With another lambda[0] than 1/sqrt 2 the value at
  * infinity is not 1, as in MCaCDF; the upper tail is then 1 minus the lower one.
  * @par Failure
- * A quiet NaN and a status. Domain: df <= 0 or NaN, x a NaN, k of 0 or above 46341, |lambda[0]| >= 1.
- * Argument: k < 0, lambda null. Memory: no memory for k doubles.
+ * A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k > 46341, |lambda[0]| >
+ * 0.9999. Argument: k < 0, lambda null. Memory: no memory for k doubles.
  * @par Threads
  * Reentrant: calls may overlap in time.
  * @par Memory
@@ -367,16 +369,16 @@ ORVANTH_SHIELD_API(void) EachRefinedMCaCDF(char* const* pointers, const intptr_t
  * @endcode
  * @param[in] p       probability in (0, 1); 0 of the lower tail has a value
  * @param[in] k       number of groups, 2 to 46341
- * @param[in] df      degrees of freedom, greater than 0; infinity is a known scale
- * @param[in] lambda  k coefficients in (-1, 1); the first counts, 1/sqrt 2 for the range
+ * @param[in] df      degrees of freedom, at least 0.001; infinity is a known scale
+ * @param[in] lambda  k coefficients in [-0.9999, 0.9999]; the first counts, 1/sqrt 2 for the range
  * @param[in] tail    zero in its low byte: P(X <= x) = p; otherwise P(X > x) = p
  * @return x.
  * @par Edges
- * p = 0, with a set tail p = 1: 0. An infinite quantile is a failure.
+ * p = 0, with a set tail p = 1: 0. A quantile above 1e307 is a failure.
  * @par Failure
- * A quiet NaN and a status. Domain: df <= 0 or NaN, p outside [0, 1], k below 2 or above 46341,
- * |lambda[0]| >= 1; p beyond what is reached with another lambda[0] than 1/sqrt 2. Overflow: p = 1,
- * with a set tail p = 0. Argument: k < 0, lambda null. Memory: no memory for k doubles.
+ * A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+ * |lambda[0]| > 0.9999; p beyond what is reached with another lambda[0] than 1/sqrt 2. Overflow: p =
+ * 1, with a set tail p = 0. Argument: k < 0, lambda null. Memory: no memory for k doubles.
  * @par Threads
  * Reentrant: calls may overlap in time.
  * @par Memory
@@ -409,15 +411,15 @@ ORVANTH_SHIELD_API(void) EachRefinedMCaICDF(char* const* pointers, const intptr_
  * @endcode
  * @param[in] x       the statistic on the scale of t; any double but NaN
  * @param[in] k       number of groups, 1 to 46341
- * @param[in] df      degrees of freedom of the scale, greater than 0; infinity is a known scale
- * @param[in] lambda  k coefficients in (-1, 1); the first k - 1 count
+ * @param[in] df      degrees of freedom of the scale, at least 0.001; infinity is a known scale
+ * @param[in] lambda  k coefficients in [-0.9999, 0.9999]; the first k - 1 count
  * @param[in] tail    zero in its low byte: P(X <= x); otherwise P(X > x), computed as a tail
  * @return the probability.
  * @par Edges
  * x = infinity: 1. x = -infinity: 0. k = 1: 1.
  * @par Failure
- * A quiet NaN and a status. Domain: df <= 0 or NaN, x a NaN, k of 0 or above 46341, |lambda[j]| >= 1
- * for a j below k - 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
+ * A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k > 46341, |lambda[j]| >
+ * 0.9999 for a j below k - 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
  * @par Threads
  * Reentrant: calls may overlap in time.
  * @par Memory
@@ -449,16 +451,16 @@ ORVANTH_SHIELD_API(void) EachRefinedMCbCDF(char* const* pointers, const intptr_t
  * @endcode
  * @param[in] p       probability in (0, 1)
  * @param[in] k       number of groups, 2 to 46341
- * @param[in] df      degrees of freedom, greater than 0; infinity is a known scale
- * @param[in] lambda  k coefficients in (-1, 1); the first k - 1 count
+ * @param[in] df      degrees of freedom, at least 0.001; infinity is a known scale
+ * @param[in] lambda  k coefficients in [-0.9999, 0.9999]; the first k - 1 count
  * @param[in] tail    zero in its low byte: P(X <= x) = p; otherwise P(X > x) = p
  * @return x.
  * @par Edges
- * An infinite quantile is a failure.
+ * A quantile above 1e307 is a failure.
  * @par Failure
- * A quiet NaN and a status. Domain: df <= 0 or NaN, p outside [0, 1], k below 2 or above 46341,
- * |lambda[j]| >= 1 for a j below k - 1. Overflow: p = 1, with a set tail p = 0; p = 0, with a set tail
- * p = 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
+ * A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+ * |lambda[j]| > 0.9999 for a j below k - 1. Overflow: p = 1, with a set tail p = 0; p = 0, with a set
+ * tail p = 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
  * @par Threads
  * Reentrant: calls may overlap in time.
  * @par Memory
@@ -491,15 +493,15 @@ ORVANTH_SHIELD_API(void) EachRefinedMCbICDF(char* const* pointers, const intptr_
  * @endcode
  * @param[in] x       the statistic on the scale of t; any double but NaN
  * @param[in] k       number of groups, 1 to 46341
- * @param[in] df      degrees of freedom of the scale, greater than 0; infinity is a known scale
- * @param[in] lambda  k coefficients in (-1, 1); the first k - 1 count
+ * @param[in] df      degrees of freedom of the scale, at least 0.001; infinity is a known scale
+ * @param[in] lambda  k coefficients in [-0.9999, 0.9999]; the first k - 1 count
  * @param[in] tail    zero in its low byte: P(X <= x); otherwise P(X > x), computed as a tail
  * @return the probability.
  * @par Edges
  * x of 0 and below: 0. x = infinity: 1. k = 1: 1.
  * @par Failure
- * A quiet NaN and a status. Domain: df <= 0 or NaN, x a NaN, k of 0 or above 46341, |lambda[j]| >= 1
- * for a j below k - 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
+ * A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k > 46341, |lambda[j]| >
+ * 0.9999 for a j below k - 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
  * @par Threads
  * Reentrant: calls may overlap in time.
  * @par Memory
@@ -531,15 +533,15 @@ ORVANTH_SHIELD_API(void) EachRefinedMCcCDF(char* const* pointers, const intptr_t
  * @endcode
  * @param[in] p       probability in (0, 1); 0 of the lower tail has a value
  * @param[in] k       number of groups, 2 to 46341
- * @param[in] df      degrees of freedom, greater than 0; infinity is a known scale
- * @param[in] lambda  k coefficients in (-1, 1); the first k - 1 count
+ * @param[in] df      degrees of freedom, at least 0.001; infinity is a known scale
+ * @param[in] lambda  k coefficients in [-0.9999, 0.9999]; the first k - 1 count
  * @param[in] tail    zero in its low byte: P(X <= x) = p; otherwise P(X > x) = p
  * @return x.
  * @par Edges
- * p = 0, with a set tail p = 1: 0. An infinite quantile is a failure.
+ * p = 0, with a set tail p = 1: 0. A quantile above 1e307 is a failure.
  * @par Failure
- * A quiet NaN and a status. Domain: df <= 0 or NaN, p outside [0, 1], k below 2 or above 46341,
- * |lambda[j]| >= 1 for a j below k - 1. Overflow: p = 1, with a set tail p = 0. Argument: k < 0,
+ * A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+ * |lambda[j]| > 0.9999 for a j below k - 1. Overflow: p = 1, with a set tail p = 0. Argument: k < 0,
  * lambda null. Memory: no memory for k doubles.
  * @par Threads
  * Reentrant: calls may overlap in time.

@@ -166,7 +166,8 @@ ORVANTH_API(double) GammaRegularizedC(double a, double x);
  * @param[in] x  not below 0
  * @return the derivative.
  * @par Edges
- * x = 0: 0 for a > 1, 1 for a = 1, a failure for a < 1. A NaN argument: NaN.
+ * x = 0: 0 for a > 1, 1 for a = 1, a failure for a < 1. a or x = +infinity: 0, both: NaN.
+ * A NaN argument: NaN.
  * @par Failure
  * Throws std::domain_error for a <= 0 or x < 0, with the texts of GammaRegularized;
  * std::overflow_error, "Overflow Error", at x = 0 with a < 1 and beyond the largest double.
@@ -340,7 +341,7 @@ ORVANTH_API(double) InverseGammaRegularizedC(double a, double q);
  * @param[in] b  greater than 0
  * @return B(a, b).
  * @par Edges
- * A NaN argument: NaN.
+ * An infinite argument: 0. A NaN argument: NaN.
  * @par Failure
  * Throws std::domain_error for a <= 0 and then for b <= 0, "The arguments to the beta function must be
  * greater than zero ..."; std::overflow_error, "numeric overflow", beyond the largest double.
@@ -376,7 +377,8 @@ ORVANTH_API(double) Beta(double a, double b);
  * @param[in] x  in [0, 1]
  * @return I_x(a, b), from 0 to 1.
  * @par Edges
- * a = 0: 1. b = 0: 0. Both are answered before x is tested. x = 0: 0. x = 1: 1. A NaN argument: NaN.
+ * a = 0: 1. b = 0: 0. Both are answered before x is tested. x = 0: 0. x = 1: 1. For x
+ * between 0 and 1: a = infinity: 0. b = infinity: 1. Both infinite: NaN. A NaN argument: NaN.
  * @par Failure
  * Throws std::domain_error, with the tests in this order: a < 0, "The argument a to the incomplete
  * beta function must be >= zero ..."; the same for b; a = b = 0, "The arguments a and b to the
@@ -416,7 +418,8 @@ ORVANTH_API(double) BetaRegularized(double a, double b, double x);
  * @param[in] x  in [0, 1]
  * @return 1 - I_x(a, b), from 0 to 1.
  * @par Edges
- * a = 0: 0. b = 0: 1. Both are answered before x is tested. x = 0: 1. x = 1: 0. A NaN argument: NaN.
+ * a = 0: 0. b = 0: 1. Both are answered before x is tested. x = 0: 1. x = 1: 0. For x
+ * between 0 and 1: a = infinity: 1. b = infinity: 0. Both infinite: NaN. A NaN argument: NaN.
  * @par Failure
  * As BetaRegularized.
  * @par Threads
@@ -452,7 +455,7 @@ ORVANTH_API(double) BetaRegularizedC(double a, double b, double x);
  * @return the derivative.
  * @par Edges
  * x = 0: 0 for a > 1, b for a = 1, +infinity with errno 34 for a < 1. x = 1: the same with a and b
- * exchanged. A NaN argument: NaN.
+ * exchanged. Between them: 0 for an infinite a or b, NaN if both are. A NaN argument: NaN.
  * @par Failure
  * Silent. a <= 0, b <= 0 or x outside [0, 1]: errno 33 and the calculation goes on, commonly to NaN;
  * a later overflow gives +infinity and errno 34. A result beyond the largest double: +infinity, errno

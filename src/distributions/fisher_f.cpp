@@ -29,10 +29,11 @@ ORVANTH_API(double) FisherFPDF(double x, double df1, double df2) {
     const double v = df1 * x;
     const double density =
         v <= df2 ? BetaDensity(df1 / 2, df2 / 2, v / (v + df2)) : BetaDensity(df2 / 2, df1 / 2, df2 / (v + df2));
-    const double sum = v + df2, square = sum * sum;
-    // The square leaves the range for tiny and for huge degrees of freedom.
-    const bool inRange = square >= std::numeric_limits<double>::min() && square <= kLargest;
-    return density * (inRange ? df1 * df2 / square : df1 / sum * (df2 / sum));
+    if (density == 0) return 0;
+    const double sum = v + df2, square = sum * sum, product = df1 * df2;
+    // They leave the range for tiny and for huge degrees of freedom.
+    const bool inRange = square >= std::numeric_limits<double>::min() && square <= kLargest && product <= kLargest;
+    return Narrow(density * (inRange ? product / square : df1 / sum * (df2 / sum)), kFunction);
 }
 
 ORVANTH_API(double) FisherFCDF(double x, double df1, double df2, TailFlag tail) {

@@ -22,7 +22,7 @@ ORVANTH_API(double) GammaPDF(double x, double shape, double scale) {
     Silent silent;
     if (!HasValidParameters(shape, scale) || !CheckNonNegativeVariate(kFunction, x)) return kNaN;
     if (x == 0) return 0;  // required, for every shape
-    return GammaDensity(shape, x / scale) / scale;
+    return Narrow(GammaDensity(shape, x / scale) / scale, kFunction);
 }
 
 ORVANTH_API(double) GammaCDF(double x, double shape, double scale, TailFlag tail) {

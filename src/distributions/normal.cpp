@@ -1,4 +1,5 @@
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 #include "frame/flags.hpp"
@@ -38,8 +39,13 @@ ORVANTH_API(double) NormalPDF(double x, double mean, double sd) {
     if (std::isinf(x)) return 0;  // before the parameters decide
     if (!valid) return kNaN;
     if (std::isnan(x)) return RejectVariate(x);
-    const double distance = x - mean;
-    return std::exp(-(distance * distance) / (2 * sd * sd)) / (sd * std::sqrt(2 * std::numbers::pi));
+    const double root = std::sqrt(2 * std::numbers::pi);
+    const double distance = x - mean, square = distance * distance, variance = 2 * sd * sd;
+    if (variance >= std::numeric_limits<double>::min() && variance <= kLargest && square <= kLargest)
+        return std::exp(-square / variance) / (sd * root);
+    // A square left the range. The quotient by sd does so only where the density is 0.
+    const double z = std::isinf(distance) ? x / sd - mean / sd : distance / sd;
+    return Narrow(std::exp(-z * z / 2) / root / sd, "boost::math::pdf(const normal_distribution<%1%>&, %1%)");
 }
 
 // The two tails differ in order: the upper one answers an infinite x ahead of the parameters.

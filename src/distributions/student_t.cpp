@@ -5,6 +5,7 @@
 #include <boost/math/distributions/students_t.hpp>
 
 #include "distributions/checks.hpp"
+#include "frame/boost_detail.hpp"
 #include "frame/flags.hpp"
 #include "frame/policies.hpp"
 #include "orvanth/distributions.h"
@@ -55,6 +56,9 @@ bool HasDerivative(double t, double df) {
     return std::isfinite(t) && x * x * x >= std::numeric_limits<double>::min();
 }
 
+// For fewer degrees of freedom Boost.Math's estimate of the quantile is no number.
+constexpr double kTinyDf = 1e-300;
+
 double Quantile(double p, double df) {
     if (p == 0) return -RaiseOverflow(kFunction);
     if (p == 1) return RaiseOverflow(kFunction);
@@ -62,8 +66,6 @@ double Quantile(double p, double df) {
     if (!CheckProbability(kFunction, p)) return kNaN;
     const double tail = p < 0.5 ? p : 1 - p;
     const auto fromBeta = [=] { return QuantileFromBeta(tail, df); };
-    // For fewer degrees of freedom the estimate of Boost.Math is no number.
-    constexpr double kTinyDf = 1e-300;
     const auto estimate = [=] {
         if (df < kTinyDf) return kNaN;
         return std::fabs(boost::math::quantile(boost::math::students_t_distribution<double, DefaultPolicy>(df), p));
@@ -79,6 +81,8 @@ double Quantile(double p, double df) {
 ORVANTH_API(double) StudentTPDF(double x, double df) {
     Silent silent;
     if (!CheckDf(kFunction, df)) return kNaN;
+    // B(df/2, 1/2) = 2/df to all digits, and overflows for a subnormal df.
+    if (df < kTinyDf) return df / 2 / std::hypot(x, std::sqrt(df));
     const double u = x * x / df;
     const double kernel = u < 0.125 ? std::exp(-std::log1p(u) * (df + 1) / 2) : std::pow(1 / (1 + u), (df + 1) / 2);
     return kernel / (std::sqrt(df) * BetaFunction(df / 2, 0.5));

@@ -21,9 +21,43 @@ static_assert(BOOST_VERSION / 100 == 1074, "read the private functions below in 
 
 namespace orvanth {
 
+// The form in which Boost.Math's public functions hand DefaultPolicy on to the private ones.
+using InnerPolicy = bmp::normalise<DefaultPolicy, bmp::promote_float<false>, bmp::promote_double<false>,
+                                   bmp::discrete_quantile<>, bmp::assert_undefined<>>::type;
+
+}  // namespace orvanth
+
+// Where the public functions call these parts of the incomplete beta function, those of special/beta_parts.cpp are
+// taken, with the same bits.
+namespace boost::math::detail {
+
+template <>
+double ibeta_power_terms(double a, double b, double x, double y, const lanczos::lanczos13m53&, bool normalised,
+                         const orvanth::InnerPolicy&, double prefix, const char* function);
+template <>
+double ibeta_series(double a, double b, double x, double start, const lanczos::lanczos13m53&, bool normalised,
+                    double* derivative, double y, const orvanth::InnerPolicy&);
+template <>
+double beta_small_b_large_a_series(double a, double b, double x, double y, double start, double factor,
+                                   const orvanth::InnerPolicy&, bool normalised);
+
+}  // namespace boost::math::detail
+
+namespace orvanth {
+
+// The gamma function without the test of its result, which comes back unchecked.
+inline double UncheckedGamma(double x) {
+    return boost::math::detail::gamma_imp(x, DefaultPolicy(), boost::math::lanczos::lanczos13m53());
+}
+
 // x^a exp(-x); infinity where it overflows.
 inline double IncompleteGammaPrefix(double a, double x) {
     return boost::math::detail::full_igamma_prefix(a, x, LateOverflowPolicy());
+}
+
+// The same over Gamma(a).
+inline double GammaPrefix(double a, double x) {
+    return boost::math::detail::regularised_gamma_prefix(a, x, DefaultPolicy(), boost::math::lanczos::lanczos13m53());
 }
 
 // a times the series that makes the lower incomplete gamma function of the prefix, and the fraction that makes the
@@ -44,7 +78,7 @@ inline double TemmeTail(double a, double x) {
 // x^a y^b / B(a, b) for y = 1 - x.
 inline double BetaPowerTerms(double a, double b, double x, double y) {
     return boost::math::detail::ibeta_power_terms(a, b, x, y, boost::math::lanczos::lanczos13m53(), true,
-                                                  DefaultPolicy());
+                                                  InnerPolicy());
 }
 
 // The x with I_x(a, b) = p = 1 - q, for positive a and b and p in (0, 1); 1 - x goes to *complement. The public

@@ -16,6 +16,7 @@
 #include <boost/math/policies/error_handling.hpp>
 #include <boost/math/policies/policy.hpp>
 
+#include "frame/errno_of_thread.hpp"
 #include "frame/platform.hpp"
 
 namespace orvanth {
@@ -48,12 +49,13 @@ inline constexpr const char* kLongDouble = "long double";
 // runtime's exp, log or pow stored on the way does not reach the caller.
 class Throwing {
 public:
-    Throwing() noexcept : before_(errno) {}
-    ~Throwing() { errno = before_; }
+    Throwing() noexcept : errno_(ErrnoOfThread()), before_(errno_) {}
+    ~Throwing() { errno_ = before_; }
     Throwing(const Throwing&) = delete;
     Throwing& operator=(const Throwing&) = delete;
 
 private:
+    int& errno_;
     int before_;
 };
 
@@ -62,17 +64,17 @@ private:
 // what the C runtime stored on the way is dropped. Objects nest.
 class Silent {
 public:
-    Silent() noexcept : outer_(current_), errno_(errno) { current_ = this; }
+    Silent() noexcept : outer_(current_), code_(ErrnoOfThread()), errno_(ErrnoOfThread()) { current_ = this; }
     ~Silent() {
-        errno = errno_;
+        errno_ = code_;
         current_ = outer_;
-        if (noted_ && outer_ != nullptr) outer_->Note(errno_);
+        if (noted_ && outer_ != nullptr) outer_->Note(code_);
     }
     Silent(const Silent&) = delete;
     Silent& operator=(const Silent&) = delete;
 
     void Note(int code) noexcept {
-        errno_ = code;
+        code_ = code;
         noted_ = true;
     }
     static Silent* Current() noexcept { return current_; }
@@ -82,14 +84,15 @@ private:
     friend auto Try(Calculation calculation);
     // Forgets the failures noted so far; true if there were any.
     bool Withdraw(int before) noexcept {
-        errno_ = before;
+        code_ = before;
         return std::exchange(noted_, false);
     }
 
     static constinit ORVANTH_THREAD_LOCAL Silent* current_;
     Silent* outer_;
-    int errno_;
+    int code_;  // what errno is set to at the end
     bool noted_ = false;
+    int& errno_;
 };
 
 // A value, and whether a failure was noted on the way to it.
@@ -103,7 +106,7 @@ struct Tried {
 // Silent object.
 template <class Calculation>
 auto Try(Calculation calculation) {
-    const int before = errno;
+    const int before = ErrnoOfThread();
     Silent silent;
     const auto value = calculation();
     return Tried<std::remove_const_t<decltype(value)>>{value, silent.Withdraw(before)};
@@ -112,15 +115,17 @@ auto Try(Calculation calculation) {
 // While a Silent object is alive these note 33 or 34 and return; elsewhere they throw. The texts are
 // templates: %1% in `function` is the type name, %1% in `message` the value with 17 digits.
 // Return values: NaN; an infinity; the value reached.
-double RaiseDomain(const char* function, const char* message, double value, const char* type = kDouble);
-double RaiseOverflow(const char* function, const char* message = nullptr, const char* type = kDouble);
-double RaiseEvaluation(const char* function, const char* message, double reached, const char* type = kDouble);
+[[gnu::cold]] double RaiseDomain(const char* function, const char* message, double value, const char* type = kDouble);
+[[gnu::cold]] double RaiseOverflow(const char* function, const char* message = nullptr, const char* type = kDouble);
+[[gnu::cold]] double RaiseEvaluation(const char* function, const char* message, double reached,
+                                     const char* type = kDouble);
 
 // Always thrown.
-[[noreturn]] void RaiseRounding(const char* function, const char* message, double value, const char* type = kDouble);
+[[noreturn, gnu::cold]] void RaiseRounding(const char* function, const char* message, double value,
+                                           const char* type = kDouble);
 
 // Throws std::bad_alloc, as an allocation of that size would.
-[[noreturn]] void RaiseOutOfMemory();
+[[noreturn, gnu::cold]] void RaiseOutOfMemory();
 
 // The check that every special function's result passes on its way out: a magnitude beyond the
 // largest double is an overflow, under "numeric overflow" and type double. A NaN passes.

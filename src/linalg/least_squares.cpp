@@ -1,5 +1,6 @@
 // Least squares and triangular systems. LS and OLS honour `offset`, SolveTriangularSystem does not.
 #include "frame/load_state.hpp"
+#include "frame/policies.hpp"
 #include "linalg/collinearity_qr.hpp"
 #include "linalg/lapack.hpp"
 #include "linalg/matrix_descriptor.hpp"
@@ -9,6 +10,7 @@ using namespace orvanth;
 
 ORVANTH_API(int32_t)
 LS(double* a, const MatrixDescriptor* aDescriptor, double* b, const MatrixDescriptor* bDescriptor) {
+    Silent silent;
     std::int32_t info = 0;
     LAPACK_dgels("N", &aDescriptor->rows, &aDescriptor->columns, &bDescriptor->columns,
                  ViewFromOffset(a, aDescriptor).first, &aDescriptor->leadingDimension,
@@ -20,6 +22,7 @@ LS(double* a, const MatrixDescriptor* aDescriptor, double* b, const MatrixDescri
 ORVANTH_API(int32_t)
 OLS(double* a, const MatrixDescriptor* aDescriptor, double* b, const MatrixDescriptor* bDescriptor, double* x,
     const MatrixDescriptor* xDescriptor, double* tau, double tolerance) {
+    Silent silent;
     return CollinearityLeastSquares(ViewFromOffset(a, aDescriptor), ViewFromOffset(b, bDescriptor),
                                     ViewFromOffset(x, xDescriptor), tau, tolerance, {LapackWork, LapackWorkLength});
 }
@@ -27,6 +30,7 @@ OLS(double* a, const MatrixDescriptor* aDescriptor, double* b, const MatrixDescr
 ORVANTH_API(int32_t)
 SolveTriangularSystem(const double* a, const MatrixDescriptor* aDescriptor, int32_t upper, int32_t transpose,
                       double* b, const MatrixDescriptor* bDescriptor) {
+    Silent silent;
     std::int32_t info = 0;
     LAPACK_dtrtrs(Triangle(upper), Transposition(transpose), "N", &aDescriptor->columns, &bDescriptor->columns, a,
                   &aDescriptor->leadingDimension, b, &bDescriptor->leadingDimension, &info);

@@ -1,5 +1,6 @@
 // Householder QR and the use of its Q. One LAPACK call each, in the fixed workspace.
 #include "frame/load_state.hpp"
+#include "frame/policies.hpp"
 #include "linalg/lapack.hpp"
 #include "linalg/matrix_descriptor.hpp"
 #include "orvanth/linalg.h"
@@ -7,6 +8,7 @@
 using namespace orvanth;
 
 ORVANTH_API(int32_t) QR(double* a, const MatrixDescriptor* descriptor, double* tau) {
+    Silent silent;
     std::int32_t info = 0;
     LAPACK_dgeqrf(&descriptor->rows, &descriptor->columns, ViewFromOffset(a, descriptor).first,
                   &descriptor->leadingDimension, tau, LapackWork, &LapackWorkLength, &info);
@@ -15,6 +17,7 @@ ORVANTH_API(int32_t) QR(double* a, const MatrixDescriptor* descriptor, double* t
 
 // `tau` stands before `jpvt`, the reverse of LAPACK's order. `jpvt` goes to LAPACK as the caller filled it.
 ORVANTH_API(int32_t) QRP(double* a, const MatrixDescriptor* descriptor, double* tau, int32_t* jpvt) {
+    Silent silent;
     std::int32_t info = 0;
     LAPACK_dgeqp3(&descriptor->rows, &descriptor->columns, ViewFromOffset(a, descriptor).first,
                   &descriptor->leadingDimension, jpvt, tau, LapackWork, &LapackWorkLength, &info);
@@ -23,6 +26,7 @@ ORVANTH_API(int32_t) QRP(double* a, const MatrixDescriptor* descriptor, double* 
 
 // As many columns of Q as the factored matrix has.
 ORVANTH_API(int32_t) QR_Q(double* a, const MatrixDescriptor* descriptor, const double* tau) {
+    Silent silent;
     std::int32_t info = 0;
     LAPACK_dorgqr(&descriptor->rows, &descriptor->columns, &descriptor->columns, ViewFromOffset(a, descriptor).first,
                   &descriptor->leadingDimension, tau, LapackWork, &LapackWorkLength, &info);
@@ -33,6 +37,7 @@ ORVANTH_API(int32_t) QR_Q(double* a, const MatrixDescriptor* descriptor, const d
 ORVANTH_API(int32_t)
 QR_Qy(double* a, const MatrixDescriptor* aDescriptor, int32_t transpose, const double* tau, double* c,
       const MatrixDescriptor* cDescriptor) {
+    Silent silent;
     std::int32_t info = 0;
     LAPACK_dormqr("L", Transposition(transpose), &aDescriptor->rows, &cDescriptor->columns, &aDescriptor->columns,
                   ViewFromOffset(a, aDescriptor).first, &aDescriptor->leadingDimension, tau,

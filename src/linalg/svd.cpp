@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "frame/load_state.hpp"
+#include "frame/policies.hpp"
 #include "linalg/finite.hpp"
 #include "linalg/lapack.hpp"
 #include "linalg/matrix_descriptor.hpp"
@@ -51,6 +52,7 @@ bool MayNotEnd(const MatrixView& a) noexcept { return std::min(a.rows, a.columns
 ORVANTH_API(int32_t)
 FullSVD(double* a, const MatrixDescriptor* aDescriptor, double* s, double* u, const MatrixDescriptor* uDescriptor,
         double* vt, const MatrixDescriptor* vtDescriptor) {
+    Silent silent;
     const Decomposition d{SvdVectors::kAll, ViewFromPointer(a, aDescriptor), s, ViewFromPointer(u, uDescriptor),
                           ViewFromPointer(vt, vtDescriptor)};
     // The elements are looked at only where dgesdd itself would read them.
@@ -63,6 +65,7 @@ FullSVD(double* a, const MatrixDescriptor* aDescriptor, double* s, double* u, co
 ORVANTH_API(int32_t)
 ThinSVD(double* a, const MatrixDescriptor* aDescriptor, double* s, double* u, const MatrixDescriptor* uDescriptor,
         double* vt, const MatrixDescriptor* vtDescriptor) {
+    Silent silent;
     const Decomposition d{SvdVectors::kThin, ViewFromPointer(a, aDescriptor), s, ViewFromPointer(u, uDescriptor),
                           ViewFromPointer(vt, vtDescriptor)};
 

@@ -1,4 +1,5 @@
 // The symmetric eigenproblem. `offset` is ignored: the view starts at the pointer itself.
+#include "frame/policies.hpp"
 #include "linalg/finite.hpp"
 #include "linalg/lapack.hpp"
 #include "linalg/matrix_descriptor.hpp"
@@ -45,6 +46,7 @@ std::int32_t CallDsyevr(const char* jobz, const Eigenproblem& p, const Work& w) 
 ORVANTH_API(int32_t)
 EigenSymmetric(double* a, const MatrixDescriptor* aDescriptor, double* w, int32_t* m, double* z,
                const MatrixDescriptor* zDescriptor) {
+    Silent silent;
     const bool wantsVectors = z != nullptr;
     auto support = AllocateScratch<std::int32_t>(2 * std::int64_t{aDescriptor->columns});
     const Eigenproblem problem{ViewFromPointer(a, aDescriptor), w, m, ViewFromPointer(z, zDescriptor), support.get()};

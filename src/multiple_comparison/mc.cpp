@@ -7,6 +7,7 @@
 #include <boost/math/distributions/students_t.hpp>
 #include <boost/math/tools/toms748_solve.hpp>
 
+#include "frame/boost_detail.hpp"
 #include "frame/policies.hpp"
 
 namespace orvanth {
@@ -38,6 +39,7 @@ double MC::StudentT(double q) const {
     constexpr const char* function = "boost::math::quantile(const students_t_distribution<%1%>&, %1%)";
     if (q == 0) return -RaiseOverflow(function);
     if (q == 1) return RaiseOverflow(function);
+    if (df_ / 2 == 0) return q == 0.5 ? 0 : RaiseOverflow(function);  // Boost.Math halves it
     return boost::math::quantile(boost::math::students_t_distribution<double, DefaultPolicy>(df_), q);
 }
 

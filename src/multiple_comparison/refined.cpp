@@ -6,7 +6,9 @@
 #include <limits>
 
 #include <boost/math/distributions/students_t.hpp>
+#include <boost/math/special_functions/beta.hpp>
 #include <boost/math/special_functions/erf.hpp>
+#include <boost/math/special_functions/gamma.hpp>
 #include <boost/math/tools/toms748_solve.hpp>
 
 #include "multiple_comparison/refined_policy.hpp"
@@ -19,18 +21,15 @@ namespace {
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-// k (k - 1) is a 32-bit integer up to here.
-constexpr std::int32_t kMostGroups = 46341;
-
 // How many coefficients count: all but the last, or the first alone.
 std::size_t Used(ComparisonKind kind, std::int32_t k) {
     return kind == ComparisonKind::kAllPairs ? 1 : static_cast<std::size_t>(k) - 1;
 }
 
 bool IsValid(ComparisonKind kind, std::int32_t k, double df, std::span<const double> lambda) {
-    if (k < 1 || k > kMostGroups || !(df > 0) || lambda.size() < Used(kind, k)) return false;
+    if (k < 1 || k > kMostGroups || !(df >= kLeastDf) || lambda.size() < Used(kind, k)) return false;
     const std::span<const double> used = lambda.first(Used(kind, k));
-    return std::all_of(used.begin(), used.end(), [](double l) { return std::fabs(l) < 1; });
+    return std::all_of(used.begin(), used.end(), [](double l) { return std::fabs(l) <= kLargestCoefficient; });
 }
 
 // Equal coefficients share a run wherever they stand, as the order of a product does not matter here.
@@ -58,26 +57,69 @@ double Comparisons(const ComparisonStatistic& statistic) {
     return statistic.kind == ComparisonKind::kAllPairs ? k * (k - 1) / 2 : k - 1;
 }
 
-// P(T > x) of a single comparison, P(|T| > x) of a two-sided one.
-double SingleUpperTail(const ComparisonStatistic& statistic, double x, double df) {
-    const double tail = df >= kKnownScaleDf
-                            ? UpperNormal(x)
-                            : boost::math::cdf(boost::math::students_t_distribution<double, RefinedPolicy>(df), -x);
-    return statistic.kind == ComparisonKind::kOneSided ? tail : 2 * tail;
+// P(|T| > x) and P(|T| <= x) of Student's t for x >= 0. A probability above 1/2 may be the complement of the
+// other; the complementary beta function loses digits near 1.
+struct Tails {
+    double upper;
+    double lower;
+};
+
+Tails TwoSidedTails(double x, double df) {
+    if (df >= kKnownScaleDf) {
+        const double z = x * boost::math::constants::one_div_root_two<double>();
+        return {2 * UpperNormal(x), boost::math::erf(z, RefinedPolicy())};
+    }
+    if (x * x < df) {
+        const double ratio = x / df * x;
+        const double z = ratio / (1.0 + ratio);
+        const double lower = boost::math::ibeta(0.5, df / 2, z, RefinedPolicy());
+        return {lower < 0.5 ? 1.0 - lower : boost::math::ibetac(0.5, df / 2, z, RefinedPolicy()), lower};
+    }
+    const double ratio = df / x / x;
+    const double upper = boost::math::ibeta(df / 2, 0.5, ratio / (1.0 + ratio), RefinedPolicy());
+    return {upper, 1.0 - upper};
 }
+
+// Of one comparison: P(T > x), or for two-sided statistics P(|T| > x).
+double SingleUpperTail(const ComparisonStatistic& statistic, double x, double df) {
+    const Tails tails = TwoSidedTails(std::fabs(x), df);
+    if (statistic.kind != ComparisonKind::kOneSided) return tails.upper;
+    return x < 0 ? 0.5 + tails.lower / 2 : tails.upper / 2;
+}
+
+double SingleLowerTail(const ComparisonStatistic& statistic, double x, double df) {
+    return statistic.kind == ComparisonKind::kOneSided ? SingleUpperTail(statistic, -x, df)
+                                                       : TwoSidedTails(std::fabs(x), df).lower;
+}
+
+// Whether P(statistic > x) is small enough that P(statistic <= x) is its complement.
+bool IsSmallUpperTail(const ComparisonStatistic& statistic, double x, double df) {
+    if (Comparisons(statistic) * SingleUpperTail(statistic, x, df) < 0.1) return true;
+    // With few df the scale decides: the largest of m normal comparisons is near the root of 2 log m.
+    if (x <= 0 || df >= 8) return false;
+    const double normal = 0.5 + 1.8 * std::log(Comparisons(statistic));
+    return boost::math::gamma_p(df / 2, df * normal / (2 * x * x), RefinedPolicy()) < 0.35;
+}
+
+// Only with lambda = 1 / sqrt 2 are all pairs a distribution; otherwise the value at infinity is not 1.
+bool IsDistribution(const ComparisonStatistic& statistic) {
+    return statistic.kind != ComparisonKind::kAllPairs || std::fabs(statistic.steepest - 1.0) <= 1e-12;
+}
+
+// Two groups are a single comparison, whose distribution is Student's.
+bool IsSingle(const ComparisonStatistic& statistic) { return statistic.k == 2 && IsDistribution(statistic); }
 
 double Probability(const ComparisonStatistic& statistic, double x, double df, bool upper) {
     const bool nonNegative = statistic.kind != ComparisonKind::kOneSided;
     if (statistic.k == 1 || x == kInfinity) return upper ? 0.0 : 1.0;
     if (x == -kInfinity || (nonNegative && x <= 0)) return upper ? 1.0 : 0.0;
-    // Only with lambda = 1 / sqrt 2 are all pairs a distribution; otherwise the value at infinity is not 1.
-    if (statistic.kind == ComparisonKind::kAllPairs && std::fabs(statistic.steepest - 1.0) > 1e-12) {
+    if (IsSingle(statistic)) return upper ? SingleUpperTail(statistic, x, df) : SingleLowerTail(statistic, x, df);
+    if (!IsDistribution(statistic)) {
         const double lower = StudentisedProbability(statistic, x, df, false);
         return upper ? 1.0 - lower : lower;
     }
     // Where the other tail is small its complement has the smaller error.
-    if (!upper && Comparisons(statistic) * SingleUpperTail(statistic, x, df) < 0.1)
-        return 1.0 - StudentisedProbability(statistic, x, df, true);
+    if (!upper && IsSmallUpperTail(statistic, x, df)) return 1.0 - StudentisedProbability(statistic, x, df, true);
     if (upper && !nonNegative && SingleUpperTail(statistic, -x, df) < 0.1)
         return 1.0 - StudentisedProbability(statistic, x, df, false);
     return StudentisedProbability(statistic, x, df, upper);
@@ -95,13 +137,14 @@ double SingleUpperPoint(double df, double q) {
     return -boost::math::quantile(boost::math::students_t_distribution<double, RefinedPolicy>(df), q);
 }
 
-// The x with P(|T| <= x) = p of a single comparison, for a small p by the density at 0.
+// The x with P(|T| <= x) = p of a single comparison, for a small p by the density at 0 and its curvature.
 double SingleAbsolutePoint(double df, double p) {
     if (p > 1e-4) return SingleUpperPoint(df, 0.5 - p / 2);
     const double density =
         df >= kKnownScaleDf ? boost::math::constants::one_div_root_two_pi<double>()
                             : boost::math::pdf(boost::math::students_t_distribution<double, RefinedPolicy>(df), 0.0);
-    return p / (2 * density);
+    const double x = p / (2 * density);
+    return x * (1.0 + (1.0 + 1.0 / df) * x * x / 6);
 }
 
 struct Bracket {
@@ -139,11 +182,16 @@ double ICDF(ComparisonKind kind, double p, std::int32_t k, double df, std::span<
         return sign * (std::log(std::max(probability, 1e-320)) - std::log(p));
     };
     const Bracket bracket = QuantileBracket(statistic, p, df, upper);
-    double low = toZ(bracket.low), high = toZ(bracket.high);
+    if (IsSingle(statistic)) return bracket.low;
+    // A quantile near the largest double or above it is not found.
+    constexpr double limit = 709.0;
+    double low = std::clamp(toZ(bracket.low), -limit, limit), high = std::clamp(toZ(bracket.high), -limit, limit);
     double atLow = function(low), atHigh = function(high);
     // With two groups both ends are the root; elsewhere rounding may leave it just outside.
-    for (double widening = 1e-9; atLow > 0 && widening < 1e3; widening *= 8) atLow = function(low -= widening);
-    for (double widening = 1e-9; atHigh < 0 && widening < 1e3; widening *= 8) atHigh = function(high += widening);
+    for (double widening = 1e-9; atLow > 0 && widening < 1e3; widening *= 8)
+        atLow = function(low = std::max(low - widening, -limit));
+    for (double widening = 1e-9; atHigh < 0 && widening < 1e3; widening *= 8)
+        atHigh = function(high = std::min(high + widening, limit));
     if (atLow == 0) return toX(low);
     if (atHigh == 0) return toX(high);
     if (atLow > 0 || atHigh < 0) return kNaN;

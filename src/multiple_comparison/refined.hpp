@@ -8,10 +8,10 @@
 //
 // x        the statistic, on the scale of t
 // p        a probability in (0, 1)
-// k        number of groups, 1 to 46341; for a quantile from 2 on
-// df       degrees of freedom, greater than 0; infinity is a known scale
+// k        number of groups, 1 to kMostGroups; for a quantile from 2 on
+// df       degrees of freedom, from kLeastDf on; infinity is a known scale
 // lambda   as in the plain forms: the first k - 1 coefficients count (all pairs: the first), each
-//          between -1 and 1
+//          at most kLargestCoefficient in size
 // upper    P(X > x) in place of P(X <= x)
 // Outside these ranges the result is a quiet NaN. Nothing is thrown but std::bad_alloc.
 #ifndef ORVANTH_MULTIPLE_COMPARISON_REFINED_HPP
@@ -21,6 +21,15 @@
 #include <span>
 
 namespace orvanth {
+
+// k (k - 1) is a 32-bit integer up to here.
+inline constexpr std::int32_t kMostGroups = 46341;
+
+// Below this a quantile of one half nears the largest double.
+inline constexpr double kLeastDf = 1e-3;
+
+// The cost of a call grows with 1 / sqrt(1 - lambda^2).
+inline constexpr double kLargestCoefficient = 0.9999;
 
 double RefinedTukeyCDF(double x, std::int32_t k, double df, std::span<const double> lambda, bool upper);
 double RefinedHsuCDF(double x, std::int32_t k, double df, std::span<const double> lambda, bool upper);

@@ -28,6 +28,9 @@ constexpr double kFloor = 1e-24;
 // The square leaves room for a narrow part beside the hump.
 constexpr double kHalvesAgree = 6e-7;
 
+// The largest relaxation where a value has a small share in a sum over scales.
+constexpr double kMostRoom = 1e8;
+
 double NormalDensity(double z) { return one_div_root_two_pi<double>() * std::exp(-0.5 * z * z); }
 
 double Power(double base, std::int32_t exponent) {
@@ -47,8 +50,10 @@ double AnyOf(double q, std::int32_t m) {
 // Phi(m + h) - Phi(m - h) for m >= 0 and h >= 0. The series leaves out (h (1 + m))^4 / 120.
 double NormalInterval(double m, double h) {
     if (h * (1.0 + m) < 3e-3) return 2 * h * NormalDensity(m) * (1.0 + (m * m - 1.0) * h * h / 6);
-    if (m < h) return 1.0 - UpperNormal(h - m) - UpperNormal(h + m);
-    return UpperNormal(m - h) - UpperNormal(m + h);
+    // The far tail is left out where it does not reach the last digit: Phi(-8.3) is 5e-17, and for m >= h the
+    // ratio of the tails is below exp(-2 m h).
+    if (m < h) return 1.0 - UpperNormal(h - m) - (h + m > 8.3 ? 0.0 : UpperNormal(h + m));
+    return UpperNormal(m - h) - (m * h > 19 ? 0.0 : UpperNormal(m + h));
 }
 
 // The integrands over the latent value y.
@@ -112,19 +117,41 @@ double Integrand(const ComparisonStatistic& statistic, double v, bool upper, dou
     }
 }
 
-// The whole number at which the integrand is largest.
+// The whole number at which an integrand with one hump is largest: uphill from 0, or where it underflows
+// there, from the number nearest to 0 where it does not.
 template <class Function>
 double CoarseMode(const Function& integrand) {
     double mode = 0.0, largest = integrand(0.0);
-    for (double y = 1; y < kLatentLimit; ++y)
-        for (const double at : {y, -y}) {
-            const double value = integrand(at);
-            if (value > largest) {
+    for (double y = 1; largest == 0.0 && y < kLatentLimit; ++y)
+        for (const double at : {y, -y})
+            if (const double value = integrand(at); value > largest) {
                 largest = value;
                 mode = at;
             }
+    for (const double direction : {1.0, -1.0})
+        for (;;) {
+            const double value = integrand(mode + direction);
+            if (value <= largest) break;
+            largest = value;
+            mode += direction;
         }
     return mode;
+}
+
+// A step at which the halves agree for most arguments: the largest of many comparisons changes fast.
+double FirstStep(const ComparisonStatistic& statistic) {
+    return 1 / (1.5 + statistic.steepest * (0.7 + std::log(static_cast<double>(statistic.k))));
+}
+
+// A bound of P(statistic <= v) that falls with v for every comparison: no factor of the integrand exceeds
+// the probability of an interval of its length about 0.
+double LowerBound(const ComparisonStatistic& statistic, double v) {
+    if (statistic.kind == ComparisonKind::kOneSided) return 1.0;
+    const bool allPairs = statistic.kind == ComparisonKind::kAllPairs;
+    double bound = allPairs ? statistic.k : 1.0;
+    for (const ComparisonRun& run : statistic.runs)
+        bound *= Power(NormalInterval(0.0, run.c * (allPairs ? v / 2 : v)), run.count);
+    return bound;
 }
 
 // Whether all coefficients have one sign. If not, the upper one-sided integrand has two humps.
@@ -132,9 +159,9 @@ bool HaveOneSign(const ComparisonStatistic& statistic) {
     return statistic.runs.front().lambda >= 0 || statistic.runs.back().lambda <= 0;
 }
 
-double TailProbability(const ComparisonStatistic& statistic, double v, bool upper, LatentStart& start) {
+double TailProbability(const ComparisonStatistic& statistic, double v, bool upper, double share, LatentStart& start) {
     double largest = 0.0, mode = start.mode;
-    const auto integrand = [&](double y) {
+    const auto integrand = [&](double y, double = 1.0) {
         const double value = Integrand(statistic, v, upper, y);
         if (value > largest) {
             largest = value;
@@ -142,21 +169,27 @@ double TailProbability(const ComparisonStatistic& statistic, double v, bool uppe
         }
         return value;
     };
-    TrapezoidRange range{0.0, 0.0, kLatentLimit, kHalvesAgree, kFloor, true, true};
+    // The error goes with the square of the difference. A tenth of the room is used.
+    const double room = std::clamp(0.1 / share, 1.0, kMostRoom);
+    const double agree = kHalvesAgree * std::sqrt(room), negligible = kNegligibleTerm * room;
+    // Two-sided, the upper integrand rises up to about |y| = v.
+    TrapezoidRange range{0.0, 0.0, kLatentLimit, agree, kFloor, true, true, negligible, upper ? v : 0.0};
     if (statistic.kind != ComparisonKind::kTwoSided) {
         const bool oneHump = statistic.kind == ComparisonKind::kAllPairs || !upper || HaveOneSign(statistic);
         const double end = oneHump ? kLatentLimit : kLatentEnd;
-        if (oneHump && !start.known) start.mode = CoarseMode(integrand);
-        range = {oneHump ? start.mode : 0.0, -end, end, kHalvesAgree, kFloor, false, oneHump};
+        // Steep factors move the hump so far from one scale to the next that nothing is left at its old place.
+        if (oneHump && (!start.known || integrand(start.mode) == 0.0)) start.mode = CoarseMode(integrand);
+        range = {oneHump ? start.mode : 0.0, -end, end, agree, kFloor, false, oneHump, negligible};
     }
     // At 0.9 of the width of the steepest normal factor the rule resolves it to exp(-24).
     const double largestStep = std::min(0.6, 0.9 / std::max(statistic.steepest, 1e-3));
-    const TrapezoidResult result = Trapezoid(integrand, range, std::min(start.step, largestStep));
-    // For an integrand like exp(-y^2 / 2) the logarithm of the difference goes with 1 / step^2. The
-    // next step aims a little below the accepted difference.
-    constexpr double aim = -15.5;
-    const double reached = std::log(std::max(result.difference, 1e-30));
-    start = {result.step * std::clamp(std::sqrt(reached / aim), 0.7, 1.2), mode, largest > 0.0};
+    // For an integrand like exp(-y^2 / 2) the logarithm of the difference goes with 1 / step^2. The step
+    // aims a little below the accepted difference.
+    const double aim = std::log(agree) - 1.2;
+    const double step =
+        start.known ? start.step * std::clamp(std::sqrt(start.logDifference / aim), 0.6, 1.3) : FirstStep(statistic);
+    const TrapezoidResult result = Trapezoid(integrand, range, std::min(step, largestStep));
+    start = {result.step, std::log(std::clamp(result.difference, 1e-30, 0.1)), mode, largest > 0.0};
     return result.value;
 }
 
@@ -166,7 +199,8 @@ double UpperNormal(double z) {
     return boost::math::erfc(ErfReal(z * one_div_root_two<double>()), RefinedPolicy()).value / 2;
 }
 
-double ConditionalProbability(const ComparisonStatistic& statistic, double v, bool upper, LatentStarts& starts) {
+double ConditionalProbability(const ComparisonStatistic& statistic, double v, bool upper, double share,
+                              LatentStarts& starts) {
     const double comparisons =
         statistic.kind == ComparisonKind::kAllPairs ? 0.5 * statistic.k * (statistic.k - 1) : statistic.k - 1;
     const double single = UpperNormal(v) * (statistic.kind == ComparisonKind::kOneSided ? 1 : 2);
@@ -175,10 +209,13 @@ double ConditionalProbability(const ComparisonStatistic& statistic, double v, bo
         statistic.kind != ComparisonKind::kAllPairs || std::fabs(statistic.steepest - 1) < 1e-12;
     // A probability near 1 is the complement of the small one: its own integrand is broad with a small
     // narrow dip, which the halves do not show.
-    if (tailsAddToOne && upper && single > 0.05) return 1.0 - TailProbability(statistic, v, false, starts.lower);
+    if (tailsAddToOne && upper && single > 0.05) {
+        if (LowerBound(statistic, v) < 1e-14 / share) return 1.0;
+        return 1.0 - TailProbability(statistic, v, false, share, starts.lower);
+    }
     if (tailsAddToOne && !upper && comparisons * single < 0.05)
-        return 1.0 - TailProbability(statistic, v, true, starts.upper);
-    return TailProbability(statistic, v, upper, upper ? starts.upper : starts.lower);
+        return 1.0 - TailProbability(statistic, v, true, share, starts.upper);
+    return TailProbability(statistic, v, upper, share, upper ? starts.upper : starts.lower);
 }
 
 }  // namespace orvanth

@@ -31,7 +31,8 @@ struct ComparisonStatistic {
 
 // The steps and places found at one scale, from which the next scale starts.
 struct LatentStart {
-    double step = 0.4;
+    double step = 0.0;
+    double logDifference = 0.0;  // log of the difference of the two halves at this step
     double mode = 0.0;
     bool known = false;
 };
@@ -41,8 +42,10 @@ struct LatentStarts {
     LatentStart upper;
 };
 
-// P(statistic <= v) or P(statistic > v) at scale 1.
-double ConditionalProbability(const ComparisonStatistic& statistic, double v, bool upper, LatentStarts& starts);
+// P(statistic <= v) or P(statistic > v) at scale 1. `share`, at most 1, is the part that the value has in a
+// sum over scales: a small one needs a small relative accuracy.
+double ConditionalProbability(const ComparisonStatistic& statistic, double v, bool upper, double share,
+                              LatentStarts& starts);
 
 // erfc(z / sqrt 2) / 2, the upper normal tail.
 double UpperNormal(double z);

@@ -170,16 +170,14 @@ void EachOf(Result (*)(Arguments...), char* const* pointers, const std::intptr_t
                 store(result, element.outputs);
                 if constexpr (facts.isSilent) {
                     if (errno != 0) [[unlikely]] {
-                        if (tally.IsFirst())
-                            std::apply([](auto... values) { NoteErrnoOfCall<facts>(errno, values...); }, arguments);
+                        if (tally.IsFirst()) NoteErrnoOfCall<facts>(errno, arguments);
                         tally.Count(i, errno == ERANGE ? Status::Overflow : Status::Domain);
                         errno = 0;
                     }
                 }
                 if constexpr (facts.hasReservedValue) {
                     if (IsReserved(facts, kHasResult ? result : element.outputs[0])) [[unlikely]] {
-                        if (tally.IsFirst())
-                            std::apply([](auto... values) { NoteReservedOfCall<facts>(values...); }, arguments);
+                        if (tally.IsFirst()) NoteReservedOfCall<facts>(arguments);
                         tally.Count(i, Status::NoValue);
                     }
                 }

@@ -4,8 +4,8 @@
 #ifndef ORVANTH_SHIELD_GUARD_HPP
 #define ORVANTH_SHIELD_GUARD_HPP
 
+#include <array>
 #include <bit>
-#include <cerrno>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -14,6 +14,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "frame/errno_of_thread.hpp"
 #include "frame/platform.hpp"
 #include "orvanth/core_math.h"
 #include "orvanth/shield.h"
@@ -58,16 +59,20 @@ Result NoResult(Status status, int refusedArgument, Arguments... arguments) {
         return status == Status::Memory ? ORVANTH_NO_MEMORY : ORVANTH_REFUSED - refusedArgument;
 }
 
-template <const Facts& facts, class... Arguments>
-[[gnu::cold, gnu::noinline]] void NoteErrnoOfCall(int code, Arguments... arguments) noexcept {
-    const Value values[] = {Value(arguments)...};
-    NoteErrno(facts, code, values);
+// The arguments of a call as its text shows them.
+template <class... Arguments>
+auto Values(const std::tuple<Arguments...>& arguments) {
+    return std::apply([](auto... each) { return std::array{Value(each)...}; }, arguments);
 }
 
 template <const Facts& facts, class... Arguments>
-[[gnu::cold, gnu::noinline]] void NoteReservedOfCall(Arguments... arguments) noexcept {
-    const Value values[] = {Value(arguments)...};
-    NoteReserved(facts, values);
+[[gnu::cold, gnu::noinline]] void NoteErrnoOfCall(int code, const std::tuple<Arguments...>& arguments) noexcept {
+    NoteErrno(facts, code, Values(arguments).data());
+}
+
+template <const Facts& facts, class... Arguments>
+[[gnu::cold, gnu::noinline]] void NoteReservedOfCall(const std::tuple<Arguments...>& arguments) noexcept {
+    NoteReserved(facts, Values(arguments).data());
 }
 
 // The export, alone or under the lock.
@@ -89,16 +94,41 @@ bool IsOutputReserved(Argument argument) {
 
 // What came back, judged by the forms of failure other than an exception.
 template <const Facts& facts, class Result, class... Arguments>
-void JudgeResult(const Result& result, Arguments... arguments) {
+void JudgeResult(const Result& result, const std::tuple<Arguments...>& arguments) {
     if constexpr (std::is_same_v<Result, std::int32_t>) {
         if (result != 0) NoteInfo(facts, result);
     } else if constexpr (facts.hasReservedValue) {
-        if (IsReserved(facts, result)) NoteReservedOfCall<facts>(arguments...);
+        if (IsReserved(facts, result)) NoteReservedOfCall<facts>(arguments);
     }
 }
 
-// One call. errno is set for a failure and otherwise left as it was; a silent export's own errno is found by
-// calling it with 0.
+// errno is set for a failure and otherwise left as it was; a silent export's own errno is found by calling it with 0.
+template <const Facts& facts>
+class ErrnoOfCall {
+public:
+    ErrnoOfCall() noexcept : errno_(ErrnoOfThread()), before_(errno_) { errno_ = 0; }
+    template <class... Arguments>
+    void Judge(const std::tuple<Arguments...>& arguments) noexcept {
+        if (errno_ != 0) [[unlikely]]
+            NoteErrnoOfCall<facts>(errno_, arguments);
+        else
+            errno_ = before_;
+    }
+
+private:
+    int& errno_;
+    int before_;
+};
+
+// An export that throws leaves errno alone.
+template <const Facts& facts>
+requires(!facts.isSilent) class ErrnoOfCall<facts> {
+public:
+    template <class Call>
+    void Judge(const Call&) noexcept {}
+};
+
+// One call. The arguments are kept in memory for the text of a failure, so that no register is saved for them.
 template <auto Function, const Facts& facts, class... Arguments>
 inline auto Safe(Arguments... arguments) noexcept {
     using Result = decltype(Function(arguments...));
@@ -109,27 +139,19 @@ inline auto Safe(Arguments... arguments) noexcept {
         }
     }
     lastFailure.status = Status::Ok;
-    [[maybe_unused]] const int before = errno;
-    if constexpr (facts.isSilent) errno = 0;
-    const auto restore = [&] {
-        if constexpr (facts.isSilent) {
-            if (errno != 0) [[unlikely]]
-                NoteErrnoOfCall<facts>(errno, arguments...);
-            else
-                errno = before;
-        }
-    };
+    const std::tuple<Arguments...> kept(arguments...);
+    ErrnoOfCall<facts> errnoOfCall;
     try {
         if constexpr (std::is_void_v<Result>) {
             Call<Function, facts>(arguments...);
-            restore();
+            errnoOfCall.Judge(kept);
             if constexpr (facts.hasReservedValue)
-                if ((IsOutputReserved<facts>(arguments) || ...)) NoteReservedOfCall<facts>(arguments...);
+                if ((IsOutputReserved<facts>(arguments) || ...)) NoteReservedOfCall<facts>(kept);
             return;
         } else {
             const Result result = Call<Function, facts>(arguments...);
-            restore();
-            JudgeResult<facts>(result, arguments...);
+            errnoOfCall.Judge(kept);
+            JudgeResult<facts>(result, kept);
             return result;
         }
     } catch (...) {

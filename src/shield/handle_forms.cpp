@@ -28,7 +28,7 @@ struct Minimiser {
 void Succeed() { lastFailure.status = Status::Ok; }
 
 // Notes what is wrong with a handle; `argument` is its name.
-void NoteAccess(const char* name, const char* argument, HandleTable::Handle handle, Access access) {
+[[gnu::cold]] void NoteAccess(const char* name, const char* argument, HandleTable::Handle handle, Access access) {
     if (handle == 0)
         Note(Status::Handle, name, "the handle is 0, which means none", argument);
     else if (access == Access::InUse)
@@ -44,7 +44,7 @@ std::int32_t StreamStatus(HandleTable::Handle handle, Access access) {
     return access == Access::InUse ? ORVANTH_REFUSED - 1 : kNotAStream;
 }
 
-std::int32_t RefuseArgument(const char* name, const char* what, const char* argument) {
+[[gnu::cold]] std::int32_t RefuseArgument(const char* name, const char* what, const char* argument) {
     Note(Status::Argument, name, what, argument);
     SetErrno(Status::Argument);
     return kBadArgument;

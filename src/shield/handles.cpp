@@ -4,12 +4,6 @@
 
 namespace orvanth::shield {
 
-HandleTable::Slot* HandleTable::Find(Handle handle) noexcept {
-    const std::size_t index = IndexOf(handle);
-    Slot* const chunk = chunks_[index / kChunkLength].load(std::memory_order_acquire);
-    return chunk == nullptr ? nullptr : chunk + index % kChunkLength;
-}
-
 // Makes one more slot and puts it on the list of free ones. Chunks stay until the process ends.
 bool HandleTable::MakeSlot() noexcept {
     if (slots_ == kChunkLength * kMostChunks) return false;
@@ -27,47 +21,34 @@ HandleTable::Handle HandleTable::Insert(Kind kind, void* object) noexcept {
     if (firstFree_ == 0 && !MakeSlot()) return 0;
     const Handle index = firstFree_ - 1;
     Slot& slot = *Find(index << kIndexShift);
-    firstFree_ = slot.nextFree;
+    firstFree_ = slot.nextFree_;
     if (firstFree_ == 0) lastFree_ = 0;
-    slot.nextFree = 0;
-    slot.object = object;
+    slot.nextFree_ = 0;
+    slot.object_ = object;
     const Handle handle =
-        slot.generation << kGenerationShift | index << kIndexShift | static_cast<Handle>(kind) << kKindShift;
-    slot.holds.store(handle, std::memory_order_release);
+        slot.generation_ << kGenerationShift | index << kIndexShift | static_cast<Handle>(kind) << kKindShift;
+    slot.holds_.store(handle, std::memory_order_release);
     return handle;
 }
 
-Access HandleTable::Acquire(Kind kind, Handle handle, void*& object) noexcept {
-    Slot* const slot = Find(handle);
-    const bool isPossible = (handle & kInUse) == 0 && (handle >> kKindShift & 1) == static_cast<Handle>(kind) &&
-                            handle >> kGenerationShift != 0;
-    if (slot == nullptr || !isPossible) return Access::NeverMade;
-    Handle found = handle;
-    if (slot->holds.compare_exchange_strong(found, handle | kInUse, std::memory_order_acquire)) {
-        object = slot->object;
-        return Access::Granted;
-    }
-    if (found == (handle | kInUse)) return Access::InUse;
+Access HandleTable::Outlived(const Slot& slot, Handle handle) noexcept {
     std::lock_guard inside(lock_);
-    return handle >> kGenerationShift < slot->generation ? Access::Deleted : Access::NeverMade;
+    return handle >> kGenerationShift < slot.generation_ ? Access::Deleted : Access::NeverMade;
 }
 
-void HandleTable::Release(Handle handle) noexcept { Find(handle)->holds.store(handle, std::memory_order_release); }
-
 // The slot goes to the end of the list, so that generations rise evenly.
-void HandleTable::Remove(Handle handle) noexcept {
-    Slot& slot = *Find(handle);
+void HandleTable::Remove(Slot& slot, Handle handle) noexcept {
     std::lock_guard inside(lock_);
-    slot.object = nullptr;
-    slot.generation = (handle >> kGenerationShift) + 1;
-    if ((slot.generation << kGenerationShift) == 0)
-        slot.generation = 1;  // all generations used: from the first again
-    slot.holds.store(0, std::memory_order_release);
+    slot.object_ = nullptr;
+    slot.generation_ = (handle >> kGenerationShift) + 1;
+    if ((slot.generation_ << kGenerationShift) == 0)
+        slot.generation_ = 1;  // all generations used: from the first again
+    slot.holds_.store(0, std::memory_order_release);
     const std::size_t number = IndexOf(handle) + 1;
     if (lastFree_ == 0)
         firstFree_ = number;
     else
-        Find((lastFree_ - 1) << kIndexShift)->nextFree = number;
+        Find((lastFree_ - 1) << kIndexShift)->nextFree_ = number;
     lastFree_ = number;
 }
 

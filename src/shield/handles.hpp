@@ -22,10 +22,11 @@ public:
     // 0 if there is no memory or no slot left.
     Handle Insert(Kind kind, void* object) noexcept;
 
-    // Granted: `object` is the caller's alone until Release or Remove.
-    Access Acquire(Kind kind, Handle handle, void*& object) noexcept;
-    void Release(Handle handle) noexcept;
-    void Remove(Handle handle) noexcept;  // of an acquired handle
+    class Slot;
+    // Granted: the slot's object is the caller's alone until Release or Remove.
+    Access Acquire(Kind kind, Handle handle, Slot*& slot) noexcept;
+    static void Release(Slot& slot, Handle handle) noexcept;
+    void Remove(Slot& slot, Handle handle) noexcept;  // of an acquired handle
 
 private:
     // A handle from its lowest bit on: whether it is in use (in a slot only), kind, index, generation.
@@ -35,16 +36,14 @@ private:
     static constexpr std::size_t kChunkLength = 1024;
     static constexpr std::size_t kMostChunks = (std::size_t{1} << kIndexBits) / kChunkLength;
 
-    struct Slot {
-        std::atomic<Handle> holds{0};  // the live handle, with kInUse; 0 while the slot is free
-        void* object = nullptr;
-        Handle generation = 1;  // of the next object
-        std::size_t nextFree = 0;
-    };
-
     static std::size_t IndexOf(Handle handle) { return handle >> kIndexShift & ((Handle{1} << kIndexBits) - 1); }
-    Slot* Find(Handle handle) noexcept;
+    Slot* Find(Handle handle) const noexcept;  // null if none was made for this index
     bool MakeSlot() noexcept;
+    static bool IsPossible(Kind kind, Handle handle) {
+        return (handle & kInUse) == 0 && (handle >> kKindShift & 1) == static_cast<Handle>(kind) &&
+               handle >> kGenerationShift != 0;
+    }
+    Access Outlived(const Slot& slot, Handle handle) noexcept;  // Deleted or NeverMade
 
     std::array<std::atomic<Slot*>, kMostChunks> chunks_{};
     std::mutex lock_;  // of what follows
@@ -52,28 +51,59 @@ private:
     std::size_t firstFree_ = 0, lastFree_ = 0;  // index + 1; 0 means none
 };
 
+class HandleTable::Slot {
+public:
+    void* Object() const { return object_; }
+
+private:
+    friend class HandleTable;
+    std::atomic<Handle> holds_{0};  // the live handle, with kInUse; 0 while the slot is free
+    void* object_ = nullptr;
+    Handle generation_ = 1;  // of the next object
+    std::size_t nextFree_ = 0;
+};
+
+inline HandleTable::Slot* HandleTable::Find(Handle handle) const noexcept {
+    const std::size_t index = IndexOf(handle);
+    Slot* const chunk = chunks_[index / kChunkLength].load(std::memory_order_acquire);
+    return chunk == nullptr ? nullptr : chunk + index % kChunkLength;
+}
+
+inline Access HandleTable::Acquire(Kind kind, Handle handle, Slot*& slot) noexcept {
+    slot = Find(handle);
+    if (slot == nullptr || !IsPossible(kind, handle)) return Access::NeverMade;
+    Handle found = handle;
+    if (slot->holds_.compare_exchange_strong(found, handle | kInUse, std::memory_order_acquire)) [[likely]]
+        return Access::Granted;
+    return found == (handle | kInUse) ? Access::InUse : Outlived(*slot, handle);
+}
+
+inline void HandleTable::Release(Slot& slot, Handle handle) noexcept {
+    slot.holds_.store(handle, std::memory_order_release);
+}
+
 // An acquired handle, released at the end of the scope unless it was removed.
 class Hold {
 public:
     Hold(HandleTable& table, Kind kind, HandleTable::Handle handle) noexcept
-        : table_(table), handle_(handle), access_(table.Acquire(kind, handle, object_)) {}
+        : table_(table), handle_(handle), access_(table.Acquire(kind, handle, slot_)) {}
     ~Hold() {
-        if (access_ == Access::Granted && !removed_) table_.Release(handle_);
+        if (access_ == Access::Granted && !removed_) HandleTable::Release(*slot_, handle_);
     }
     Hold(const Hold&) = delete;
     Hold& operator=(const Hold&) = delete;
 
     Access Result() const { return access_; }
-    void* Object() const { return object_; }
+    void* Object() const { return slot_->Object(); }
     void Remove() noexcept {
-        table_.Remove(handle_);
+        table_.Remove(*slot_, handle_);
         removed_ = true;
     }
 
 private:
     HandleTable& table_;
     HandleTable::Handle handle_;
-    void* object_ = nullptr;
+    HandleTable::Slot* slot_ = nullptr;
     bool removed_ = false;
     Access access_;
 };

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <new>
 #include <stdexcept>
+#include <type_traits>
 
 #include <boost/math/policies/error_handling.hpp>
 
@@ -150,6 +151,11 @@ void SetErrno(Status status) noexcept { errno = status == Status::Overflow ? ERA
 using namespace orvanth::shield;
 
 ORVANTH_SHIELD_API(int32_t) LastStatus(void) { return static_cast<std::int32_t>(lastFailure.status); }
+
+ORVANTH_SHIELD_API(const int32_t*) LastStatusAddress(void) {
+    static_assert(std::is_same_v<std::underlying_type_t<Status>, std::int32_t>);
+    return reinterpret_cast<const std::int32_t*>(&lastFailure.status);
+}
 
 ORVANTH_SHIELD_API(const char*) LastErrorText(void) {
     return lastFailure.status == Status::Ok ? "" : lastFailure.text;

@@ -12,9 +12,6 @@ namespace orvanth::shield {
 
 namespace {
 
-// k (k - 1) is a 32-bit integer up to here.
-constexpr std::int32_t kMostGroups = 46341;
-
 using Form = double (*)(double, std::int32_t, double, std::span<const double>, bool);
 
 // What a cumulative form and a quantile refuse alike; at least `fewest` groups are needed.
@@ -25,10 +22,11 @@ void CheckDesign(const char* function, std::int32_t k, std::int32_t fewest, doub
                     fewest == 1 ? "Number of groups is %1%, but must be from 1 to 46341 !"
                                 : "Number of groups is %1%, but must be from 2 to 46341 !",
                     k);
-    if (!(df > 0)) RaiseDomain(function, "Degrees of freedom argument is %1%, but must be > 0 !", df);
+    if (!(df >= kLeastDf))
+        RaiseDomain(function, "Degrees of freedom argument is %1%, but must be at least 0.001 !", df);
     for (double lambda : coefficients)
-        if (!(std::fabs(lambda) < 1))
-            RaiseDomain(function, "Coefficient lambda is %1%, but must lie between -1 and 1 !", lambda);
+        if (!(std::fabs(lambda) <= kLargestCoefficient))
+            RaiseDomain(function, "Coefficient lambda is %1%, but must be from -0.9999 to 0.9999 !", lambda);
 }
 
 double Cumulative(const char* function, Form form, double x, std::int32_t k, double df,
@@ -50,7 +48,7 @@ double Quantile(const char* function, Form form, double lowest, double p, std::i
     if (p == (IsSet(tail) ? 1.0 : 0.0)) return std::isinf(lowest) ? -RaiseOverflow(function) : lowest;
     const double x = form(p, k, df, coefficients, IsSet(tail));
     // All pairs with another coefficient than 1 / sqrt 2 do not reach every probability.
-    if (std::isnan(x)) return RaiseDomain(function, "No x has the probability %1% with these coefficients !", p);
+    if (std::isnan(x)) return RaiseDomain(function, "No double x has the probability %1% !", p);
     return x;
 }
 

@@ -1,6 +1,7 @@
 #include "special/beta_limits.hpp"
 
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 #include "frame/policies.hpp"
@@ -52,9 +53,16 @@ double RegularizedBetaLimit(double a, double b, double x, bool complement) {
         const double v = -LogScale(b, a) * std::log1p(-x);
         return complement ? RegularizedGammaQ(a, v) : RegularizedGammaP(a, v);
     }
-    if (std::isinf(a) || std::isinf(b)) return kNaN;
+    if (std::isinf(a) && std::isinf(b)) return kNaN;
+    if (std::isinf(a) || std::isinf(b)) return std::isinf(b) != complement ? 1 : 0;
     const double mean = 1 / (1 + b / a);
-    const double z = (x - mean) / std::sqrt(mean / (1 + a / b) / (a + b));
+    const double part = mean / (1 + a / b), variance = part / (a + b);
+    // The variance underflows sooner than its root.
+    const double sd =
+        variance >= std::numeric_limits<double>::min()
+            ? std::sqrt(variance)
+            : std::sqrt(part) / std::sqrt(std::fmax(a, b)) / std::sqrt(1 + std::fmin(a, b) / std::fmax(a, b));
+    const double z = (x - mean) / sd;
     return ErfCValue((complement ? z : -z) / std::numbers::sqrt2) / 2;
 }
 

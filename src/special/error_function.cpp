@@ -56,8 +56,8 @@ ORVANTH_API(double) InverseErfC(double z) {
 ORVANTH_API(double) LogXplus1(double x) {
     Throwing throwing;
     constexpr const char* function = "log1p<%1%>(%1%)";
-    if (x < -1) RaiseDomain(function, "log1p(x) requires x > -1, but got x = %1%.", x);
-    if (x == -1) RaiseOverflow(function);
+    if (x < -1) return RaiseDomain(function, "log1p(x) requires x > -1, but got x = %1%.", x);
+    if (x == -1) return RaiseOverflow(function);
     const double u = 1 + x;
     if (u == 1) return x;
     // The quotient repairs the rounding of u. Required: no guard at infinity, where it is a NaN.

@@ -1,6 +1,7 @@
 #include "special/gamma.hpp"
 
 #include <cmath>
+#include <numbers>
 
 #include <boost/math/special_functions/gamma.hpp>
 
@@ -118,6 +119,10 @@ double BisectGamma(double a, double p, double q) {
     });
 }
 
+// From here on Boost.Math's power terms overflow. The density has a width of the root of a, and so differs from 0 at
+// no double but a itself.
+constexpr double kPointShape = 1e300;
+
 }  // namespace
 
 double RegularizedGammaP(double a, double x) { return RegularizedGamma(a, x, false); }
@@ -132,6 +137,8 @@ double GammaDensity(double a, double x) {
         return std::isnan(a) ? a : RaiseOverflow(function, nullptr, kLongDouble);
     }
     if (!accepted) return kNaN;
+    if (std::isinf(a) || std::isinf(x)) return std::isinf(a) && std::isinf(x) ? kNaN : 0;
+    if (a > kPointShape) return x == a ? 1 / (std::sqrt(2 * std::numbers::pi) * std::sqrt(a)) : 0;
     const double density = boost::math::gamma_p_derivative(a, x, LateOverflowPolicy());
     return std::isinf(density) ? RaiseOverflow(function, nullptr, kLongDouble) : density;
 }
@@ -176,7 +183,7 @@ ORVANTH_API(double) Gamma(double x) {
     if (x < 0 || x > kLargestGammaArgument) return kNaN;
     if (x == 0) return kInfinity;
     if (std::isnan(x)) return x;
-    return Narrow(boost::math::tgamma(x, DefaultPolicy()), "boost::math::tgamma<%1%>(%1%)");
+    return Narrow(UncheckedGamma(x), "boost::math::tgamma<%1%>(%1%)");
 }
 
 ORVANTH_API(double) GammaLn(double x) {

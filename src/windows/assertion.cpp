@@ -9,7 +9,13 @@
 namespace boost {
 
 void assertion_failed(const char* expression, const char* function, const char* file, long line) {
-    std::fprintf(stderr, "Assertion failed: %s, file %s, line %ld, in %s\n", expression, file, line, function);
+    assertion_failed_msg(expression, "", function, file, line);
+}
+
+void assertion_failed_msg(const char* expression, const char* message, const char* function, const char* file,
+                          long line) {
+    std::fprintf(stderr, "Assertion failed: %s, file %s, line %ld, in %s %s\n", expression, file, line, function,
+                 message);
     std::fflush(stderr);
     std::raise(SIGABRT);  // a handler of the host, if there is one; abort itself may open a box before it
     std::_Exit(3);

@@ -174,4 +174,5 @@ def main(arguments):
     PEER_RECORD.write_text("export\tpeer\tmedian\tworst\n" + "".join(peers))
 
 
-main(sys.argv[1:])
+if __name__ == "__main__":
+    main(sys.argv[1:])

@@ -105,7 +105,8 @@ async function main(args) {
                 for (const mode of MODES) {
                     const faults = await check(browser, page, width, mode, screenshots);
                     count += faults.length;
-                    console.log(`${page}, ${width} pixels, ${mode}: ${faults.length === 0 ? "good" : `${faults.length} faults`}`);
+                    const verdict = faults.length === 0 ? "good" : `${faults.length} faults`;
+                    console.log(`${page}, ${width} pixels, ${mode}: ${verdict}`);
                     for (const fault of faults) console.log(`    ${fault}`);
                 }
     } finally {

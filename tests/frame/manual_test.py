@@ -57,6 +57,14 @@ class Manual(unittest.TestCase):
                       manual.gaps(EXPORT, entry(TEXT.replace("@return", "@param[in] y  z\n@return"))))
         self.assertIn("lines of at most 100 columns", manual.gaps(EXPORT, entry(TEXT + "x" * 100)))
 
+    def test_marks_of_mathematics_stay_out_of_the_text(self):
+        marked = entry(TEXT.replace("f(x) = x * x", "$f(x) = x * x$ for all x"))
+        self.assertEqual(marked.section("Formula"), "f(x) = x * x for all x")
+        self.assertEqual(marked.formula_pieces(), [(True, "f(x) = x * x"), (False, " for all x")])
+        self.assertNotIn("$", generate_interface.entry_text(EXPORT, marked))
+        with self.assertRaisesRegex(ValueError, "no partner"):
+            entry(TEXT.replace("f(x) = x * x", "$f(x) = x * x")).formula_pieces()
+
     def test_parameters_have_direction_and_text(self):
         x, out = entry().parameters
         self.assertEqual((x.direction, x.name, x.text.split()), ("in", "x", "any double, also a NaN".split()))

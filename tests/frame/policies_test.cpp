@@ -135,6 +135,27 @@ TEST(Policies, NarrowingPassesNaNAndStopsInfinity) {
               "Error in function f<double>(double): numeric overflow");
 }
 
+TEST(PoliciesThread, ErrnoBelongsToItsThread) {
+    errno = 0;
+    Silent silent;
+    RaiseDomain("f", "m", 1);
+    int noted = 0, left = 0;
+    std::thread([&] {
+        EXPECT_EQ(&ErrnoOfThread(), &errno);
+        {
+            Silent other;
+            RaiseOverflow("f");
+        }
+        noted = std::exchange(errno, 7);
+        { Throwing throwing; }
+        left = errno;
+    }).join();
+    EXPECT_EQ(noted, 34);
+    EXPECT_EQ(left, 7);
+    EXPECT_EQ(errno, 0);
+    EXPECT_EQ(&ErrnoOfThread(), &errno);
+}
+
 TEST(PoliciesThread, SilenceBelongsToOneThread) {
     Silent silent;
     bool thrown = false;

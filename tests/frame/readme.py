@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Runs README.md's first call as printed: installs the library, compiles the program, compares its output.
+"""Runs the first call of docs/site/start/c.md as printed: installs the library, compiles the program, compares its output.
 Compares the programs that README.md shows with their files, which other tests run.
 
     readme.py BUILD_FOLDER                what is built there is installed in place of building the preset release
-    readme.py --build                     builds the preset release too, as the README says
+    readme.py --build                     builds the preset release too, as the page says
     readme.py --programs                  compares the programs only
 """
 import os
@@ -14,13 +14,15 @@ import tempfile
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
+FIRST_CALL = "docs/site/start/c.md"
 
 
 def block(name, kind="run"):
+    page = FIRST_CALL if kind == "run" else "README.md"
     marked = rf"<!-- {kind}: {re.escape(name)} -->\n```\w*\n(.*?)```\n"
-    found = re.findall(marked, (ROOT / "README.md").read_text(), re.S)
+    found = re.findall(marked, (ROOT / page).read_text(), re.S)
     if len(found) != 1:
-        sys.exit(f"README.md: one block is needed after '<!-- {kind}: {name} -->', there are {len(found)}")
+        sys.exit(f"{page}: one block is needed after '<!-- {kind}: {name} -->', there are {len(found)}")
     return found[0]
 
 
@@ -45,7 +47,7 @@ def main(argument):
         lines = install.splitlines()
         install = lines[-1].replace("build/release", f'"{Path(argument).resolve()}"')
         if not lines[-1].startswith("cmake --install build/release "):
-            sys.exit(f"README.md: the last command of the installation is not the expected one: {lines[-1]}")
+            sys.exit(f"{FIRST_CALL}: the last command of the installation is not the expected one: {lines[-1]}")
     with tempfile.TemporaryDirectory() as home:
         environment = dict(os.environ, HOME=home)
         environment.pop("LD_LIBRARY_PATH", None)
@@ -54,15 +56,15 @@ def main(argument):
             done = subprocess.run(["bash", "-euo", "pipefail", "-c", text], cwd=folder, env=environment,
                                   capture_output=True, text=True)
             if done.returncode != 0:
-                sys.exit(f"README.md: these commands end with {done.returncode}:\n{text}\n{done.stdout}{done.stderr}")
+                sys.exit(f"{FIRST_CALL}: these commands end with {done.returncode}:\n{text}\n{done.stdout}{done.stderr}")
             return done.stdout
 
         shell(install, ROOT)
         Path(home, "first.c").write_text(block("first.c"))
         printed = shell(block("compile"), home)
     if printed != block("output"):
-        sys.exit(f"README.md says that the first call prints {block('output')!r}; it prints {printed!r}")
-    print("the first call of README.md prints what it says: " + printed.strip())
+        sys.exit(f"{FIRST_CALL} says that the first call prints {block('output')!r}; it prints {printed!r}")
+    print(f"the first call of {FIRST_CALL} prints what it says: " + printed.strip())
 
 
 compare_programs()

@@ -20,11 +20,16 @@ double Point(Random& random, const std::string& exportName) {
     if (exportName.starts_with("Kolmogorov")) return random.Chance(80) ? random.PowerOfTen(-6, 0) : random.Unit();
     if (exportName == "LogXplus1") return random.Sign() * Probability(random);
     switch (random.Whole(0, 5)) {
-        case 0: return random.Sign() * random.PowerOfTen(-300, 300);
-        case 1: return random.Sign() * random.PowerOfTen(-3, 1.5);
-        case 2: return random.Between(-7, 7);
-        case 3: return random.PowerOfTen(-20, 3);
-        default: return random.PowerOfTen(-4, 4);
+        case 0:
+            return random.Sign() * random.PowerOfTen(-300, 300);
+        case 1:
+            return random.Sign() * random.PowerOfTen(-3, 1.5);
+        case 2:
+            return random.Between(-7, 7);
+        case 3:
+            return random.PowerOfTen(-20, 3);
+        default:
+            return random.PowerOfTen(-4, 4);
     }
 }
 
@@ -138,9 +143,8 @@ Call RandomCall(const Export& which, std::uint64_t seed) {
     const bool wild = random.Chance(25);
     for (const Parameter& parameter : which.parameters) {
         if (parameter.type == "double")
-            call.words.push_back(AsWord(random.Chance(wild ? 50 : 6)
-                                            ? AnyDouble(random)
-                                            : RandomDouble(random, which.name, parameter.name)));
+            call.words.push_back(AsWord(
+                random.Chance(wild ? 50 : 6) ? AnyDouble(random) : RandomDouble(random, which.name, parameter.name)));
         else if (parameter.type == "int32_t" || parameter.type == "TailFlag") {
             // A wild count of values would need gigabytes.
             const bool bounded = IsOneOf(parameter.name, {"count", "rows", "columns", "k"});

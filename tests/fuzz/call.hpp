@@ -75,6 +75,21 @@ std::int32_t AsInt(std::uint64_t word);
 
 Call RandomCall(const Export& which, std::uint64_t seed);
 
+// Called with true just before an export is entered and with false after it. The memory test lets allocations fail
+// between the two.
+inline void (*aroundExport)(bool enters) = nullptr;
+class Entered {
+public:
+    Entered() {
+        if (aroundExport != nullptr) aroundExport(true);
+    }
+    ~Entered() {
+        if (aroundExport != nullptr) aroundExport(false);
+    }
+    Entered(const Entered&) = delete;
+    Entered& operator=(const Entered&) = delete;
+};
+
 // Errno is set before the call and read after it; an exception is caught.
 Outcome Make(const Export& which, const Call& call);
 

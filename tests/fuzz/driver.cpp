@@ -98,7 +98,8 @@ void Watch() {
 }
 
 void Announce(const Export& which, const Call& call) {
-    std::snprintf(current, sizeof current, "%s\n    %s", Describe(which, call).c_str(), RepeatLine(which, call).c_str());
+    std::snprintf(current, sizeof current, "%s\n    %s", Describe(which, call).c_str(),
+                  RepeatLine(which, call).c_str());
     beat = beat + 1;
 }
 
@@ -184,15 +185,16 @@ int RepeatOne(int count, char** words) {
 }
 
 int RunAll(double seconds, std::uint64_t seed, const char* part) {
-    board = static_cast<Board*>(
-        mmap(nullptr, sizeof(Board), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+    board =
+        static_cast<Board*>(mmap(nullptr, sizeof(Board), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
     report = dup(1);
     dup2(open("/dev/null", O_WRONLY), 1);
     std::vector<int> chosen;
     for (std::size_t i = 0; i < Exports().size(); ++i)
         if (Exports()[i].run != nullptr && std::strstr(Exports()[i].name, part) != nullptr)
             chosen.push_back(static_cast<int>(i));
-    dprintf(report, "seed %llu, %zu exports, %g seconds\n", static_cast<unsigned long long>(seed), chosen.size(), seconds);
+    dprintf(report, "seed %llu, %zu exports, %g seconds\n", static_cast<unsigned long long>(seed), chosen.size(),
+            seconds);
     for (int number : chosen) Serve(number, seed, seconds / static_cast<double>(chosen.size()));
     Tally total{};
     dprintf(report, "%-28s %12s %10s %10s %12s\n", "export", "calls", "thrown", "errno", "slowest, ms");
@@ -202,7 +204,8 @@ int RunAll(double seconds, std::uint64_t seed, const char* part) {
         total.violations += one.violations;
         dprintf(report, "%-28s %12llu %10llu %10llu %12.3f%s\n", Exports()[static_cast<std::size_t>(number)].name,
                 static_cast<unsigned long long>(one.calls), static_cast<unsigned long long>(one.thrown),
-                static_cast<unsigned long long>(one.marked), one.slowest * 1e3, one.violations > 0 ? "  VIOLATIONS" : "");
+                static_cast<unsigned long long>(one.marked), one.slowest * 1e3,
+                one.violations > 0 ? "  VIOLATIONS" : "");
     }
     dprintf(report, "%llu calls, %llu violations, seed %llu\n", static_cast<unsigned long long>(total.calls),
             static_cast<unsigned long long>(total.violations), static_cast<unsigned long long>(seed));

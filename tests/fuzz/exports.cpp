@@ -77,6 +77,7 @@ struct Runner<function> {
         const std::tuple<Arguments...> arguments{storage.Next<Arguments>()...};
         errno = call.errnoBefore;
         Catch(outcome, [&] {
+            const Entered entered;
             if constexpr (std::is_void_v<Result>)
                 std::apply(function, arguments);
             else if constexpr (std::is_same_v<Result, double>)
@@ -102,11 +103,17 @@ constexpr RunFunction RunOf(const char*) {
     return &Runner<function>::Run;
 }
 template <>
-constexpr RunFunction RunOf<&::LBFGSBStart>(const char*) { return &RunMinimiser; }
+constexpr RunFunction RunOf<&::LBFGSBStart>(const char*) {
+    return &RunMinimiser;
+}
 template <>
-constexpr RunFunction RunOf<&::LBFGSBStep>(const char*) { return nullptr; }
+constexpr RunFunction RunOf<&::LBFGSBStep>(const char*) {
+    return nullptr;
+}
 template <>
-constexpr RunFunction RunOf<&::LBFGSBEnd>(const char*) { return nullptr; }
+constexpr RunFunction RunOf<&::LBFGSBEnd>(const char*) {
+    return nullptr;
+}
 
 const std::vector<Documented>& Manual() {
     static const std::vector<Documented> rows{

@@ -34,7 +34,11 @@ public:
           n_(random.Chance(5) ? random.Whole(-2, 0) : random.Whole(1, random.Chance(90) ? 6 : 60)),
           size_(n_ > 0 ? static_cast<std::size_t>(n_) : 0),
           kind_(random.Whole(0, 8)),
-          lower_(size_), upper_(size_), x_(size_), gradient_(size_), bounds_(size_) {
+          lower_(size_),
+          upper_(size_),
+          x_(size_),
+          gradient_(size_),
+          bounds_(size_) {
         const int m = random.Chance(5)   ? random.Whole(-2, 0)
                       : random.Chance(2) ? (random.Chance(50) ? 14000 : INT32_MAX)
                                          : random.Whole(1, 9);
@@ -49,6 +53,7 @@ public:
         const double factr = random.Chance(90) ? random.PowerOfTen(0, 12) : AnyDouble(random);
         const double pgtol = random.Chance(80) ? random.PowerOfTen(-12, -2) : AnyDouble(random);
         value_ = AnyDouble(random);
+        const Entered entered;
         state_ = LBFGSBStart(n_, m, lower_.Data(), upper_.Data(), bounds_.data(), factr, pgtol);
     }
     ~Run() { LBFGSBEnd(state_); }
@@ -57,12 +62,13 @@ public:
 
     void Step(Outcome& outcome) {
         if (done_) return;
-        const int code = LBFGSBStep(state_, x_.Data(), &value_, gradient_.Data());
+        const int code = Next();
         outcome.result = static_cast<std::uint64_t>(code);
         for (std::size_t i = 0; i < size_; ++i) outcome.written = Hash(outcome.written, x_[i]);
         outcome.written = Hash(outcome.written, value_);
         if (n_ < 0 && state_ != nullptr) outcome.violation = "a state for a negative n";
-        if (code < 1 || code > 5 || (state_ == nullptr && code != 5)) outcome.violation = "a code that is not documented";
+        if (code < 1 || code > 5 || (state_ == nullptr && code != 5))
+            outcome.violation = "a code that is not documented";
         if (!lower_.Stands() || !upper_.Stands() || !x_.Stands() || !gradient_.Stands())
             outcome.violation = "written beyond an array";
         if (code == 1)
@@ -72,26 +78,54 @@ public:
     }
 
 private:
+    int Next() {
+        const Entered entered;
+        return LBFGSBStep(state_, x_.Data(), &value_, gradient_.Data());
+    }
     void Evaluate() {
         const int kept = errno;
         double f = 0;
         for (std::size_t i = 0; i < size_; ++i) {
             const double x = x_[i];
             switch (kind_) {
-                case 0: f += (x - 1) * (x - 1); gradient_[i] = 2 * (x - 1); break;
+                case 0:
+                    f += (x - 1) * (x - 1);
+                    gradient_[i] = 2 * (x - 1);
+                    break;
                 case 1: {  // Rosenbrock
                     const double next = i + 1 < size_ ? x_[i + 1] : 1, before = i > 0 ? x_[i - 1] : 0;
                     f += 100 * (next - x * x) * (next - x * x) + (1 - x) * (1 - x);
-                    gradient_[i] = -400 * (next - x * x) * x - 2 * (1 - x) + (i > 0 ? 200 * (x - before * before) : 0);
+                    gradient_[i] =
+                        -400 * (next - x * x) * x - 2 * (1 - x) + (i > 0 ? 200 * (x - before * before) : 0);
                     break;
                 }
-                case 2: f -= x; gradient_[i] = -1; break;  // without a minimum
-                case 3: f = 3; gradient_[i] = 0; break;
-                case 4: f += std::sin(5 * x) + x * x; gradient_[i] = -5 * std::cos(5 * x); break;  // a wrong gradient
-                case 5: f = random_.Chance(20) ? std::nan("") : f + x * x; gradient_[i] = 2 * x; break;
-                case 6: f += AnyDouble(random_); gradient_[i] = AnyDouble(random_); break;
-                case 7: f += x * x; gradient_[i] = random_.Chance(10) ? std::nan("") : 2 * x; break;
-                default: f += std::exp(50 * x) - x; gradient_[i] = 50 * std::exp(50 * x) - 1;
+                case 2:
+                    f -= x;
+                    gradient_[i] = -1;
+                    break;  // without a minimum
+                case 3:
+                    f = 3;
+                    gradient_[i] = 0;
+                    break;
+                case 4:
+                    f += std::sin(5 * x) + x * x;
+                    gradient_[i] = -5 * std::cos(5 * x);
+                    break;  // a wrong gradient
+                case 5:
+                    f = random_.Chance(20) ? std::nan("") : f + x * x;
+                    gradient_[i] = 2 * x;
+                    break;
+                case 6:
+                    f += AnyDouble(random_);
+                    gradient_[i] = AnyDouble(random_);
+                    break;
+                case 7:
+                    f += x * x;
+                    gradient_[i] = random_.Chance(10) ? std::nan("") : 2 * x;
+                    break;
+                default:
+                    f += std::exp(50 * x) - x;
+                    gradient_[i] = 50 * std::exp(50 * x) - 1;
             }
         }
         value_ = f;

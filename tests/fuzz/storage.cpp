@@ -14,16 +14,26 @@ constexpr unsigned char kGuardByte = 0xa7;
 
 double Element(Random& random, int fill) {
     switch (fill) {
-        case 0: return random.Between(-1, 1);
-        case 1: return random.Whole(-3, 3);
-        case 2: return AnyDouble(random);
-        case 3: return random.Between(-1, 1) * 1e308;
-        case 4: return random.Between(-1, 1) * 1e-310;
-        case 5: return 0;
-        case 6: return random.Chance(97) ? random.Between(-1, 1) : random.Sign() / (random.Chance(50) ? 0.0 : 1.0);
-        case 7: return 1;
-        case 8: return random.Sign() * random.PowerOfTen(-300, 300);
-        default: return random.Sign() * random.PowerOfTen(-8, 8);
+        case 0:
+            return random.Between(-1, 1);
+        case 1:
+            return random.Whole(-3, 3);
+        case 2:
+            return AnyDouble(random);
+        case 3:
+            return random.Between(-1, 1) * 1e308;
+        case 4:
+            return random.Between(-1, 1) * 1e-310;
+        case 5:
+            return 0;
+        case 6:
+            return random.Chance(97) ? random.Between(-1, 1) : random.Sign() / (random.Chance(50) ? 0.0 : 1.0);
+        case 7:
+            return 1;
+        case 8:
+            return random.Sign() * random.PowerOfTen(-300, 300);
+        default:
+            return random.Sign() * random.PowerOfTen(-8, 8);
     }
 }
 
@@ -91,7 +101,6 @@ Storage::Storage(const Export& which, const Call& call)
         constexpr int limits[] = {2499, 2500, 3333, 3334, 10000, 10001};
         shape_ = {1, random.Of(limits), 1};
     }
-    fill_ = random.Whole(0, 9);
     for (std::size_t i = 0; i < which.parameters.size(); ++i) {
         const Parameter& parameter = which.parameters[i];
         Random own(call.words[i]);
@@ -173,7 +182,8 @@ void Storage::MakeMatrix(int parameter, Random& random) {
 void Storage::MakeArray(int parameter, Random& random) {
     const Parameter& array = export_.parameters[static_cast<std::size_t>(parameter)];
     const bool ints = array.type.find("int32_t") != std::string::npos;
-    const bool null = (array.name == "complement" && random.Chance(20)) || (array.name == "values" && random.Chance(5));
+    const bool null =
+        (array.name == "complement" && random.Chance(20)) || (array.name == "values" && random.Chance(5));
     arrays_.emplace_back(array, ArraySize(array.name), ints ? 4u : 8u, random);
     Array& made = arrays_.back();
     pointers_[static_cast<std::size_t>(parameter)] = null ? nullptr : made.Data();
@@ -192,7 +202,7 @@ void Storage::MakeHandle(std::uint64_t word) {
     const int kind = static_cast<int>(word % 10);
     if (kind == 0) return;  // no handle
     if (kind == 1) {        // memory that holds no stream
-        noStream_.assign(8192, static_cast<unsigned char>(word >> 8));
+        noStream_.assign(8192, static_cast<unsigned char>(word & 0x100 ? 0x5a : 0));
         handle_ = reinterpret_cast<RandomStreamHandle>(noStream_.data());
         return;
     }
@@ -208,11 +218,11 @@ void Storage::Prepare(Random& random) {
     Array& a = arrays_[static_cast<std::size_t>(first.array)];
     if (name.starts_with("QR_Q") && first.rows >= first.columns && random.Chance(60))
         QR(a.Doubles(), &first.descriptor, Find("tau")->Doubles());
+    for (std::size_t i = 0; i < a.Elements(); ++i) finite_ = finite_ && std::isfinite(a.Doubles()[i]);
     // The other triangle is not read.
     if (name == "EigenSymmetric" && first.descriptor.leadingDimension >= first.rows && random.Chance(50))
         for (int j = 1; j < first.columns; ++j)
-            for (int i = 0; i < j; ++i)
-                a.Doubles()[i + j * first.descriptor.leadingDimension] = std::nan("");
+            for (int i = 0; i < j; ++i) a.Doubles()[i + j * first.descriptor.leadingDimension] = std::nan("");
 }
 
 Array* Storage::Find(std::string_view name) {
@@ -229,7 +239,9 @@ std::string Storage::WrongValues(std::int64_t status) {
         for (std::size_t i = 0; i < s->Elements(); ++i)
             if (s->Doubles()[i] < 0 || (i > 0 && s->Doubles()[i] > s->Doubles()[i - 1]))
                 return "singular values that do not descend";
-    if (Array* w = Find("w"); w != nullptr && Find("m")->Ints()[0] != static_cast<std::int32_t>(w->Elements()))
+    // With an infinity or a NaN it is LAPACK's answer, whatever that is.
+    if (Array* w = Find("w");
+        w != nullptr && finite_ && Find("m")->Ints()[0] != static_cast<std::int32_t>(w->Elements()))
         return "m is not n";
     if (Array* jpvt = Find("jpvt"); jpvt != nullptr && shape_.m > 0) {
         const std::set<std::int32_t> numbers(jpvt->Ints(), jpvt->Ints() + jpvt->Elements());
@@ -264,6 +276,8 @@ void Storage::Inspect(Outcome& outcome) {
         const Array& array = arrays_[static_cast<std::size_t>(view.array)];
         if (std::memcmp(&view.descriptor, &view.given, sizeof view.given) != 0)
             outcome.violation = "the descriptor of " + array.Of().name + " was written";
+        // The columns of x from the second on are written one element apart: docs/decisions.md.
+        if (export_.Find("tolerance") >= 0 && array.Of().name == "x") continue;
         if (!array.KeptOutside(view.honoursOffset ? view.given.offset : 0, view.given.leadingDimension, view.rows,
                                view.columns))
             outcome.violation = "written outside the view of " + array.Of().name;

@@ -1,4 +1,5 @@
-// The arguments of one call: numbers from its words, and arrays of exactly the documented size with guards around them.
+// The arguments of one call: numbers from its words, and arrays of exactly the documented size with guards around
+// them.
 #ifndef ORVANTH_TESTS_FUZZ_STORAGE_HPP
 #define ORVANTH_TESTS_FUZZ_STORAGE_HPP
 
@@ -15,8 +16,8 @@
 
 namespace orvanth::fuzz {
 
-// Under the address sanitizer a block ends where the array ends, so that it sees a read beyond it; elsewhere a pattern
-// around the array shows a write.
+// Under the address sanitizer a block ends where the array ends, so that it sees a read beyond it; elsewhere a
+// pattern around the array shows a write.
 #if defined(__SANITIZE_ADDRESS__) || defined(ORVANTH_FUZZ_ASAN)
 inline constexpr std::size_t kGuard = 0;
 #else
@@ -95,7 +96,7 @@ private:
     const Call& call_;
     int next_ = 0;
     Shape shape_{};
-    int fill_ = 0;
+    bool finite_ = true;  // the first matrix
     std::vector<void*> pointers_;
     std::deque<Array> arrays_;
     std::deque<View> views_;

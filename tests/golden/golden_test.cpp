@@ -32,7 +32,7 @@ struct Entry {
 };
 
 template <class Function>
-Entry MakeEntry(const orvanth::test::Library& library, const char* name) {
+Entry MakeEntry(const orvanth::test::Library& library, const char* name, Function linkedIn) {
     Entry entry;
     const auto function = library.Find<Function>(name);
     entry.present = function != nullptr;
@@ -40,7 +40,7 @@ Entry MakeEntry(const orvanth::test::Library& library, const char* name) {
         if (entry.present)
             entry.run = [=](const Row& row, int before) {
                 const orvanth::test::PrecisionWord word;
-                return Invoke(function, row, before);
+                return Invoke(FunctionFor(row, function, linkedIn), row, before);
             };
     return entry;
 }
@@ -54,7 +54,8 @@ const orvanth::test::Library& CoreMath() {
 
 const std::map<std::string, Entry>& Entries() {
     static const std::map<std::string, Entry> entries{
-#define EXPORT(folder, name, result, arguments, ...) {#name, MakeEntry<result(*) arguments>(CoreMath(), #name)},
+#define EXPORT(folder, name, result, arguments, ...) \
+    {#name, MakeEntry<result(*) arguments>(CoreMath(), #name, ORVANTH_FOR_ROWS_THAT_THROW(name))},
 #include "frame/exports.def"
 #undef EXPORT
     };

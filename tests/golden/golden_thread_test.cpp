@@ -39,13 +39,13 @@ bool Same(const Outcome& a, const Outcome& b) {
 
 template <class Function>
 void AddCalls(const orvanth::test::Library& library, const char* name, const std::vector<Row>& rows,
-              std::vector<Call>& calls) {
+              std::vector<Call>& calls, Function linkedIn) {
     if constexpr (Signature<Function>::kHasRows) {
         const auto function = library.Find<Function>(name);
         const std::size_t step = rows.size() / kRowsPerExport + 1;
         for (std::size_t i = 0; function != nullptr && i < rows.size(); i += step) {
             const Row row = rows[i];
-            calls.push_back({row, [=] { return Invoke(function, row, 0); }});
+            calls.push_back({row, [=] { return Invoke(FunctionFor(row, function, linkedIn), row, 0); }});
         }
     }
 }
@@ -58,7 +58,7 @@ TEST(GoldenThreads, ConcurrentCallsAgreeWithCallsAlone) {
             rows[row.name].push_back(std::move(row));
     std::vector<Call> calls;
 #define EXPORT(folder, name, result, arguments, ...) \
-    AddCalls<result(*) arguments>(library, #name, rows[#name], calls);
+    AddCalls<result(*) arguments>(library, #name, rows[#name], calls, ORVANTH_FOR_ROWS_THAT_THROW(name));
 #include "frame/exports.def"
 #undef EXPORT
     ASSERT_GT(calls.size(), 500u);

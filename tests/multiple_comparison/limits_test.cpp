@@ -37,6 +37,25 @@ TEST(MCTailFlag, OnlyTheLowByteCountsInEveryExport) {
     }
 }
 
+// The quantiles of chi-squared between which the scale is integrated underflow to the same 0, and nothing is left of
+// the probability, which falls with the degrees of freedom.
+TEST(MCDegreesOfFreedom, SoFewThatTheScaleUnderflowsGiveZero) {
+    for (const Family& family : kFamilies)
+        for (double df : {9.2819e-11, 1e-20, 1e-150, 2.5305757053317337e-303, 5e-324})
+            for (double x : {-1.0, 0.0, 1.0, 1e200, kInfinity})
+                for (std::int32_t k : {1, 2, 3})
+                    EXPECT_EQ(family.cumulative(x, k, df, kEqualGroups.data(), 0), 0) << df << ' ' << x << ' ' << k;
+}
+
+TEST(MCDegreesOfFreedom, AQuantileOfTheFewestIsBeyondTheLargestDouble) {
+    for (const Family& family : kFamilies)
+        for (std::int32_t k : {2, 7})
+            EXPECT_NE(ThrownText<std::overflow_error>([&] {
+                          family.quantile(0.7, k, 5e-324, kEqualGroups.data(), 0);
+                      }).find("Overflow Error"),
+                      std::string::npos);
+}
+
 // The number of groups.
 
 TEST(MCGroups, ANegativeNumberThrowsBadAlloc) {

@@ -38,10 +38,11 @@ std::vector<double> Coefficients(const std::string& cell) {
     return found;
 }
 
-TEST(Refined, AgreesWithIntegrationTo36Digits) {
+// Every row of a table of probabilities: both tails, and the quantile of the tail that the row names.
+void ExpectAgreement(const std::string& table, int fewest) {
     double worstProbability = 0, worstTail = 0, worstQuantile = 0;
     int rows = 0;
-    for (const auto& row : ReadTable("accuracy/refined_multiple_comparison.tsv")) {
+    for (const auto& row : ReadTable(table)) {
         const RefinedFamily& family = kRefined.at(row[0]);
         const std::int32_t k = std::stoi(row[1]);
         const double df = std::stod(row[2]), x = std::strtod(row[5].c_str(), nullptr);
@@ -66,9 +67,15 @@ TEST(Refined, AgreesWithIntegrationTo36Digits) {
         }
         ++rows;
     }
-    EXPECT_GT(rows, 200);
+    EXPECT_GE(rows, fewest);
     std::printf("  worst: probability %.1e, relative in a tail %.1e, quantile %.1e in %d rows\n", worstProbability,
                 worstTail, worstQuantile, rows);
+}
+
+TEST(Refined, AgreesWithIntegrationTo36Digits) { ExpectAgreement("accuracy/refined_multiple_comparison.tsv", 200); }
+
+TEST(Refined, AgreesWithDirectIntegrationForUnequalCoefficientsToo) {
+    ExpectAgreement("accuracy/refined_direct.tsv", 36);
 }
 
 TEST(Refined, TailsAddToOneForUnequalAndNegativeCoefficients) {
@@ -103,6 +110,61 @@ TEST(Refined, QuantileInvertsBothTailsForUnequalCoefficients) {
                     EXPECT_NEAR(family.cumulative(x, 5, df, used, upper) / p, 1.0, 2e-8)
                         << name << " df " << df << " p " << p << " upper " << upper;
                 }
+}
+
+TEST(Refined, SteepCoefficientsLieBetweenTheirBounds) {
+    for (const double l : {0.95, 0.99, 0.999, kLargestCoefficient}) {
+        const std::vector<double> lambda(5, l);
+        for (const double df : {3.0, 10.0, kInfinity})
+            for (const double x : {1.0, 2.5, 8.0}) {
+                const std::array<double, 2> pair = {l, l};
+                const double one = RefinedHsuCDF(x, 2, df, pair, true), two = RefinedDunnettCDF(x, 2, df, pair, true);
+                const double hsu = RefinedHsuCDF(x, 5, df, lambda, true);
+                const double dunnett = RefinedDunnettCDF(x, 5, df, lambda, true);
+                // A single comparison, and four times that. With equal coefficients near 1 both are close.
+                EXPECT_GT(hsu, one) << "lambda " << l << " df " << df << " x " << x;
+                EXPECT_LT(hsu, 4 * one) << "lambda " << l << " df " << df << " x " << x;
+                EXPECT_GT(dunnett, two) << "lambda " << l << " df " << df << " x " << x;
+                EXPECT_LT(dunnett, 4 * two) << "lambda " << l << " df " << df << " x " << x;
+                // Both ends at once hardly occur.
+                if (x > 2) {
+                    EXPECT_NEAR(dunnett / hsu, 2.0, 1e-2);
+                }
+                EXPECT_NEAR(hsu + RefinedHsuCDF(x, 5, df, lambda, false), 1.0, 1e-10);
+                EXPECT_NEAR(dunnett + RefinedDunnettCDF(x, 5, df, lambda, false), 1.0, 1e-10);
+            }
+    }
+}
+
+TEST(Refined, TwoGroupsAreStudentsDistribution) {
+    const std::array<double, 2> lambda = {0.6, 0.6};
+    // Cauchy's distribution at df = 1, and arctan's series for a small x.
+    const double pi = std::acos(-1.0);
+    for (const double x : {1e-9, 0.3, 2.0, 1e6}) {
+        EXPECT_NEAR(RefinedDunnettCDF(x, 2, 1, lambda, false) / (2 / pi * std::atan(x)), 1, 1e-14);
+        EXPECT_NEAR(RefinedDunnettCDF(x, 2, 1, lambda, true) / (2 / pi * std::atan(1 / x)), 1, 1e-14);
+        EXPECT_NEAR(RefinedHsuCDF(-x, 2, 1, lambda, false) / (std::atan(1 / x) / pi), 1, 1e-14);
+    }
+    for (const double p : {1e-12, 1e-5, 2e-4, 0.2})
+        EXPECT_NEAR(RefinedDunnettICDF(p, 2, 1, lambda, false) / std::tan(pi / 2 * p), 1, 1e-12);
+    EXPECT_NEAR(RefinedDunnettCDF(1e-8, 2, kInfinity, lambda, false) / (1e-8 * std::sqrt(2 / pi)), 1, 1e-14);
+}
+
+TEST(Refined, ExtremeArgumentsEnd) {
+    const std::span<const double> lambda(kEqualGroups);
+    for (const auto& [name, family] : kRefined)
+        for (const double df : {kLeastDf, 0.3, 1.0, 1e14, 1e300, kInfinity}) {
+            for (const double x : {-1e300, -40.0, 1e-300, 1e-10, 40.0, 1e10, 1e300}) {
+                const double lower = family.cumulative(x, 4, df, lambda, false);
+                const double upper = family.cumulative(x, 4, df, lambda, true);
+                EXPECT_NEAR(lower + upper, 1.0, 1e-9) << name << " df " << df << " x " << x;
+            }
+            for (const double p : {1e-300, 0.5, 1 - 1e-16})
+                for (const bool upper : {false, true}) {
+                    const double x = family.quantile(p, 4, df, lambda, upper);
+                    EXPECT_TRUE(std::isnan(x) || std::fabs(x) < 1e308) << name << " df " << df << " p " << p;
+                }
+        }
 }
 
 TEST(Refined, EndsOfTheRange) {

@@ -51,6 +51,23 @@ std::vector<double> Solution(int seed) {
     return b;
 }
 
+TEST(ShieldThreads, EachThreadHasAStatusAddressOfItsOwn) {
+    const std::int32_t* const here = LastStatusAddress();
+    SafeErf(0.5);
+    std::atomic<int> wrong = 0;
+    InThreads(4, [&](int) {
+        const std::int32_t* const own = LastStatusAddress();
+        if (own == here) ++wrong;
+        for (int i = 0; i < kRounds; ++i) {
+            SafeNormalCDF(0, 0, i % 2 == 0 ? 1 : -1, 0);
+            if (*own != LastStatus() || *own != (i % 2 == 0 ? ORVANTH_STATUS_OK : ORVANTH_STATUS_DOMAIN)) ++wrong;
+        }
+        if (LastStatusAddress() != own) ++wrong;
+    });
+    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(*here, ORVANTH_STATUS_OK);
+}
+
 TEST(ShieldThreads, LeastSquaresFromManyThreadsAreRightEveryTime) {
     const std::vector<double> want[] = {Solution(0), Solution(1), Solution(2), Solution(3)};
     std::atomic<int> wrong = 0;

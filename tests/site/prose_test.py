@@ -7,7 +7,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "tools"))
 import manual  # noqa: E402
-from site_pages import programs, prose, reference  # noqa: E402
+from site_pages import packages, programs, prose, reference  # noqa: E402
 from signature_table import exports  # noqa: E402
 
 
@@ -41,6 +41,12 @@ class Prose(unittest.TestCase):
         self.assertEqual(prose.formula(entry("$x/2$")), "$$\n\\frac{x}{2}\n$$")
         self.assertEqual(prose.formula(entry("the x with $x < 1$")), "the x with $\\displaystyle x < 1$")
         self.assertIn("\n$$\nx < 1.\n$$\n", prose.formula(entry("first:\n$x < 1$.\nthen")))
+
+    def test_docstrings_become_lists_and_sessions(self):
+        text = "What ``f`` does.\n\nParameters\n----------\na : int\n    The b_c.\n\nExamples\n--------\n>>> f(1)\n2\n"
+        self.assertEqual(packages.described(text, 2), "What `f` does.\n\n**Parameters**\n\n- `a`: int. The b\\_c.\n\n"
+                         "**Examples**\n\n```pycon\n>>> f(1)\n2\n```")
+        self.assertIn("## dunnett\n", packages.pages()["packages/python-stats.md"])
 
     def test_synonyms_lead_to_exports_and_pages(self):
         for term, _, places in reference.synonyms():

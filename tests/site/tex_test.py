@@ -28,6 +28,7 @@ FORMS = {
     "ln |Gamma(x)|": r"\ln\,\lvert \Gamma(x) \rvert",
     "exp(-(x - mean)^2 / (2 sd^2))":
         r"\exp\left(-\frac{(x - \mathit{mean})^{2}}{2\,\mathit{sd}^{2}}\right)",
+    "erfc(x / y) / 2": r"\frac{\operatorname{erfc}\left(\dfrac{x}{y}\right)}{2}",
     "(a + b) (c + d) / e": r"\frac{(a + b)\,(c + d)}{e}",
 }
 

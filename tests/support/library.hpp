@@ -4,6 +4,9 @@
 #define ORVANTH_TESTS_SUPPORT_LIBRARY_HPP
 
 #if defined(_WIN32)
+#if !defined(NOMINMAX)
+#define NOMINMAX
+#endif
 #include <windows.h>
 #else
 #include <dlfcn.h>

@@ -1,5 +1,5 @@
-// The control word of the x87 unit of a thread. Hosts, compilers' run-time libraries and drivers set its precision to 53
-// or to 64 bits; no result may depend on it.
+// The control word of the x87 unit of a thread. Hosts, compilers' run-time libraries and drivers set its precision to
+// 53 or to 64 bits; no result may depend on it.
 #ifndef ORVANTH_TESTS_SUPPORT_PRECISION_WORD_HPP
 #define ORVANTH_TESTS_SUPPORT_PRECISION_WORD_HPP
 
@@ -7,6 +7,9 @@
 #include <cstdlib>
 
 #if defined(_WIN32)
+#if !defined(NOMINMAX)
+#define NOMINMAX
+#endif
 #include <windows.h>
 #else
 #include <thread>
@@ -42,17 +45,20 @@ private:
 #if defined(_WIN32)
 // On a thread made by the system's own call, of which no run-time library knows.
 template <class Function>
-int OnNewThread(Function function) {
-    struct Work {
-        Function& function;
-        int result;
-    } work{function, 0};
-    const auto run = [](void* given) -> DWORD {
+struct Work {
+    static DWORD WINAPI Run(void* given) {
         Work& work = *static_cast<Work*>(given);
         work.result = work.function();
         return 0;
-    };
-    const HANDLE thread = CreateThread(nullptr, 1 << 23, static_cast<LPTHREAD_START_ROUTINE>(run), &work, 0, nullptr);
+    }
+    Function& function;
+    int result;
+};
+
+template <class Function>
+int OnNewThread(Function function) {
+    Work<Function> work{function, 0};
+    const HANDLE thread = CreateThread(nullptr, 1 << 23, Work<Function>::Run, &work, 0, nullptr);
     WaitForSingleObject(thread, INFINITE);
     CloseHandle(thread);
     return work.result;

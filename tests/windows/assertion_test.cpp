@@ -7,7 +7,8 @@
 namespace {
 
 TEST(AssertionDeathTest, EndsTheProcessWithALine) {
-    EXPECT_EXIT(BOOST_ASSERT(1 + 1 == 3), testing::ExitedWithCode(3), "Assertion failed: 1 \\+ 1 == 3, file .*, line");
+    EXPECT_EXIT(BOOST_ASSERT(1 + 1 == 3), testing::ExitedWithCode(3),
+                "Assertion failed: 1 \\+ 1 == 3, file .*, line");
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ from signature_table import exports  # noqa: E402
 # DLLs of every Windows since Vista.
 SYSTEM = {"kernel32.dll", "msvcrt.dll", "user32.dll", "advapi32.dll"}
 MATHEMATICS = set("""acos acosh asin asinh atan atan2 atanh cbrt cos cosh erf erfc exp exp2 expm1 fma fmod hypot lgamma
-                     log log10 log1p log2 pow remainder sin sinh sqrt tan tanh tgamma""".split())
+                     log log10 log1p log2 pow remainder sin sincos sinh sqrt tan tanh tgamma""".split())
 
 
 def parts(objdump, dll):
@@ -46,7 +46,9 @@ def faults(objdump, dll, table):
     linked = set(re.findall(r"libmingwex\.a\(lib\w*?mingwex_a-(\w+)\.o\)", members[1] if len(members) > 1 else ""))
     if not linked:
         found.append("no member of libmingwex was read: the map has another form")
-    found += [f"a mathematical function of mingw-w64: {f}" for f in sorted(linked & (MATHEMATICS | {"lgamma_r"}))]
+    found += [f"a mathematical function of mingw-w64: {f}" for f in sorted(linked & (MATHEMATICS | {"lgamma_r", "cossin"}))]
+    if "libquadmath.a(" in "".join(members):
+        found.append("parts of libquadmath, whose licence is the LGPL")
     return [f"{Path(dll).name}: {fault}" for fault in found], len(exported), sorted(imported)
 
 

@@ -25,6 +25,7 @@ CHOICES = {"complement": "Tail", "roundUp": "bool", "transpose": "bool", "upper"
 TYPES = {"double": "double", "int32_t": "int", "const double*": "double[]", "double*": "double[]", "int32_t*": "int[]",
          "const int32_t*": "int[]", table.DESCRIPTOR: "ref MatrixDescriptor", "TailFlag": "int", "void": "void",
          "const char*": "IntPtr", "RandomStreamHandle": "IntPtr", "LBFGSBDriverState*": "IntPtr"}
+RESULTS = {"const int32_t*": "int*"}  # of the functions of the shield itself
 KEYWORDS = set("base bool byte case char checked const decimal default double event fixed float for if in int is lock "
                "long new null object operator out params ref short sizeof static string this unsafe void".split())
 REQUIRE = "    if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();"
@@ -122,7 +123,7 @@ def native():
     for own in table.own_functions():
         # The question after each call; it touches nothing but a number of the thread.
         quick = ["#if NET5_0_OR_GREATER", "[SuppressGCTransition]", "#endif"] if own.name == "LastStatus" else []
-        lines += ["", *_indent(extern(TYPES[own.result], own.name, [f"{TYPES[a.type]} {name_of(a)}" for a in own.arguments], quick))]
+        lines += ["", *_indent(extern(RESULTS.get(own.result) or TYPES[own.result], own.name, [f"{TYPES[a.type]} {name_of(a)}" for a in own.arguments], quick))]
     for e in table.functions():
         arguments = [f"{TYPES[a.type]} {name_of(a)}" for a in e.arguments]
         if e.result == "void" and table.has_array_form(e):
@@ -171,7 +172,7 @@ def scalar_method(export, method):
     value = "result" if result else name_of(table.outputs(export)[0])
     return [*documentation(export), f'[LibraryExport("{export.name}")]',
             f"public static {export.result} {method}({', '.join(parameters)})", "{", REQUIRE, *length_guards(export),
-            f"    {result}{call}", f"    if (Native.LastStatus() != 0) Failure.Throw({value});",
+            f"    {result}{call}", f"    if (LastStatus.IsFailure) Failure.Throw({value});",
             *(["    return result;"] if result else []), "}"]
 
 
@@ -200,7 +201,7 @@ def low_level_method(export, method):
     # A positive status is an answer (a column, a position), a negative one a failure.
     test = "result < 0 && " if export.result == "int32_t" else ""
     lines += [f"    {call}"] if result == "void" else []
-    lines += [f"    if ({test}Native.LastStatus() != 0) Failure.Throw(double.NaN);"]
+    lines += [f"    if ({test}LastStatus.IsFailure) Failure.Throw(double.NaN);"]
     return [*documentation(export, note=LOW_LEVEL), f'[LibraryExport("{export.name}")]', "[EditorBrowsable(EditorBrowsableState.Advanced)]",
             f"public static {result} {method}({', '.join(parameters)})", "{", REQUIRE, *length_guards(export), *guards, *lines,
             *([] if result == "void" else ["    return result;"]), "}"]

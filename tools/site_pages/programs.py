@@ -8,9 +8,11 @@ FOLDERS = (ROOT / "docs" / "site" / "examples", ROOT / "examples" / "hosts")
 
 
 def sources(task):
-    """[(language, lexer, file)]"""
-    found = [(language, lexer, folder / f"{task}.{ending}") for language, ending, lexer in LANGUAGES
-             for folder in FOLDERS if (folder / f"{task}.{ending}").exists()]
+    """[(language, lexer, file)]; a program written for the pages goes before one of the README."""
+    found = []
+    for language, ending, lexer in LANGUAGES:
+        files = [folder / f"{task}.{ending}" for folder in FOLDERS if (folder / f"{task}.{ending}").exists()]
+        found += [(language, lexer, file) for file in files[:1]]
     if not found:
         raise FileNotFoundError(f"there is no program of the task '{task}'")
     return found

@@ -1,11 +1,11 @@
 """Plain texts of the manual as Markdown: special characters kept, names of exports and pages turned into links."""
 import re
 
-from signature_table import exports
+from hosts import table
 
 from site_pages.tex import tex
 
-NAMES = {e.name for e in exports()}
+NAMES = {e.name for e in table.functions()}
 # Names that are also words or letters of mathematics are links only where they are called.
 AMBIGUOUS = {"Beta", "Gamma", "QR", "LS", "OLS", "Erf", "Xb"}
 

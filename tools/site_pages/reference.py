@@ -41,8 +41,8 @@ def failure(export):
 
 
 def declaration(export):
-    arguments = [f"{a.type} {a.name}".replace("* ", " *") for a in export.arguments]
-    one_line = f"{export.result.replace('*', ' *')} {export.name}({', '.join(arguments)});".replace("* ", "*")
+    arguments = [f"{a.type} {a.name}" for a in export.arguments]
+    one_line = f"{export.result} {export.name}({', '.join(arguments)});"
     if len(one_line) <= 76:
         return one_line
     return f"{export.result} {export.name}(\n    " + ",\n    ".join(arguments) + ");"
@@ -50,7 +50,8 @@ def declaration(export):
 
 def host_names(export):
     """[(host, how the export is called there)]"""
-    found = [("C, C++", f"`{export.name}` in `orvanth/{export.folder}.h`; `Safe{export.name}` in `orvanth/shield.h`")]
+    plain = f"`{export.name}` in `orvanth/{export.folder}.h`; " if export in exports() else ""
+    found = [("C, C++", f"{plain}`Safe{export.name}` in `orvanth/shield.h`")]
     if table.has_array_form(export):
         found.append(("Python", f"`orvanth.{python.snake(export.name)}`"))
         found.append(("C#", "`" + ".".join(dotnet.place(export)) + "`"))
@@ -58,6 +59,10 @@ def host_names(export):
     else:
         found.append(("Python, C#, R", "in the form of the [language packages](../hosts.md)"))
     return found
+
+
+def plot_lines(plots):
+    return [text for name, caption in plots for text in (f"{{plot}} {name} {caption}", "")]
 
 
 def example(entry):
@@ -82,6 +87,7 @@ def export_page(export, entry, plots=()):
              f"```c\n{declaration(export)}\n```", ""]
     if len(opening) > 1:
         lines += [prose.blocks(opening[1].strip(), here), ""]
+    lines += plot_lines(p for p in plots if p[0].startswith("law-"))
     lines += ["## Formula", "", prose.formula(entry), ""]
     lines += ["## Parameters", ""]
     directions = {p.name: p.direction for p in entry.parameters}
@@ -97,8 +103,7 @@ def export_page(export, entry, plots=()):
               "## Threads", "", prose.inline(" ".join(threads_text(export).split()), here), "",
               "## Memory", "", prose.inline(" ".join(entry.section("Memory").split()), here), "",
               "## Accuracy", "", prose.inline(" ".join(entry.section("Accuracy").split()), here), ""]
-    for name, caption in plots:
-        lines += [f"{{plot}} {name} {caption}", ""]
+    lines += plot_lines(p for p in plots if not p[0].startswith("law-"))
     lines += ["## Equivalents", ""]
     equivalents, current = [], ""
     for line in entry.section("Equivalents").splitlines():
@@ -129,8 +134,7 @@ def family_page(folder, introduction, entries, plots=()):
             brief = prose.inline(entries[export.name].brief, export.name)
             lines.append(f"| [`{export.name}`]({export.name}.md) | {brief} | {failure(export)} | {rule} |")
     lines.append("")
-    for name, caption in plots:
-        lines += [f"{{plot}} {name} {caption}", ""]
+    lines += plot_lines(plots)
     lines += ["```{toctree}", ":hidden:", ""] + [e.name for e in exports() if e.folder == folder] + ["```", ""]
     return "\n".join(lines)
 
@@ -146,7 +150,19 @@ def index_page():
         lines += [f"| [`{e.name}`]({e.name}.md) | {prose.inline(entries[e.name].brief, e.name)} |"
                   for e in exports() if e.folder == folder]
         lines.append("")
-    lines += ["```{toctree}", ":hidden:", ""] + folders() + ["```", ""]
+    if table.refined():
+        lines += ["## Refined forms", "", "In the shield alone: [Refined forms](refined.md).", ""]
+    lines += ["```{toctree}", ":hidden:", ""] + folders() + (["refined"] if table.refined() else []) + ["```", ""]
+    return "\n".join(lines)
+
+
+def refined_page():
+    entries = table.manual_entries()
+    lines = ["# Refined forms", "", "Functions of [the shield](../shield.md), beside the exports of "
+             "[multiple comparisons](multiple_comparison.md).", "", prose.blocks(table.refined_introduction()), "",
+             "| function | what it does |", "|---|---|"]
+    lines += [f"| [`{f.name}`]({f.name}.md) | {prose.inline(entries[f.name].brief, f.name)} |" for f in table.refined()]
+    lines += ["", "```{toctree}", ":hidden:", ""] + [f.name for f in table.refined()] + ["```", ""]
     return "\n".join(lines)
 
 
@@ -168,13 +184,14 @@ def shield_page():
             value, words = table.reserved(export)
             lines.append(f"| [`{export.name}`](reference/{export.name}.md) | {value} | {prose.escape(words)} |")
     lines += ["", "## Where an integer status comes from", "",
-              "A negative status -i of LAPACK names argument i of the routine behind the export.", "",
+              "A negative status -i of LAPACK names argument i of the routine behind the export. A positive status is i "
+              "in the last column.", "",
               "| export | routine | its arguments, from 1 | a positive status |", "|---|---|---|---|"]
     for export in exports():
         if table.info(export):
             routine, names, meaning = table.info(export)
             lines.append(f"| [`{export.name}`](reference/{export.name}.md) | `{routine}` | "
-                         f"{prose.escape(names.replace(',', ', '))} | {prose.escape(meaning) or 'none'} |")
+                         f"{prose.escape(names.replace(',', ', '))} | {prose.escape(meaning.replace('%', 'i')) or 'none'} |")
     lines += ["", "## Forms over arrays", "",
               "`Each<Export>` calls the export for each element of strided arrays. These exports have one: "
               + ", ".join(f"[`{e.name}`](reference/{e.name}.md)" for e in exports() if table.has_array_form(e)) + ".",
@@ -200,4 +217,7 @@ def pages(plots):
         for export in exports():
             if export.folder == folder:
                 found[f"reference/{export.name}.md"] = export_page(export, entries[export.name], plots(export.name))
+    for function in table.refined():
+        found["reference/refined.md"] = refined_page()
+        found[f"reference/{function.name}.md"] = export_page(function, table.manual_entries()[function.name])
     return found

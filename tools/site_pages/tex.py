@@ -239,6 +239,8 @@ def _bare(text):
 
 
 def _fraction(above, below):
+    # A fraction inside a fraction keeps its size.
+    above, below = (text.replace("\\frac", "\\dfrac") for text in (above, below))
     return f"\\frac{{{_bare(above)}}}{{{_bare(below)}}}"
 
 

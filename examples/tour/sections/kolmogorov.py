@@ -3,6 +3,9 @@ import csv
 
 import matplotlib.pyplot as plt
 import numpy as np
+from orvanth import stats
+
+from palette import BLUE, NAVY, PALE, RED, SKY
 
 
 def run(core, page):
@@ -24,22 +27,26 @@ def run(core, page):
     page.compare([(f"P(D > x), n = {size}, x = {x}", core.KolmogorovICDF(alpha, size, 1), x)
                   for size, alpha, x in ((5, 0.05, 0.56328), (10, 0.05, 0.40925), (20, 0.01, 0.35241))],
                  "Percentage points beside Miller's table (1956)", tolerance=2e-5)
+    result = stats.ks_1samp(weights, "normal", args=(5.0, 0.7))
+    band = result.confidence_band(0.95)[1]
+    page.compare([("D", float(result.statistic), float(d)), ("p-value", float(result.pvalue), core.KolmogorovCDF(d, n, 1)),
+                  ("half the width of the 95 % band", float(band.high[0] - steps[0]), point)],
+                 "The same test through orvanth.stats", tolerance=1e-12, headers=("orvanth.stats", "exports"))
 
     grid = np.linspace(3.2, 6.8, 300)
     curve = np.array([core.NormalCDF(x, 5.0, 0.7, 0) for x in grid])
     figure, (left, right) = plt.subplots(1, 2)
-    left.fill_between(grid, np.clip(curve - point, 0, 1), np.clip(curve + point, 0, 1), color="#dce8f5",
+    left.fill_between(grid, np.clip(curve - point, 0, 1), np.clip(curve + point, 0, 1), color=PALE,
                       label="exact 95 % band")
-    left.plot(grid, curve, color="#1f5fa8", label="normal, fixed beforehand")
-    left.step(np.r_[grid[0], weights, grid[-1]], np.r_[0, steps, 1], where="post", color="#c23b22", label="sample")
+    left.plot(grid, curve, color=BLUE, label="normal, fixed beforehand")
+    left.step(np.r_[grid[0], weights, grid[-1]], np.r_[0, steps, 1], where="post", color=RED, label="sample")
     left.set_xlabel("dried weight")
-    left.legend(fontsize=8, loc="upper left")
+    left.legend(loc="upper left")
     x = np.linspace(0.02, 0.5, 200)
-    for size, colour in ((5, "#9ecae1"), (30, "#1f5fa8"), (1000, "#08306b")):
+    for size, colour in ((5, SKY), (30, BLUE), (1000, NAVY)):
         right.plot(x, [core.KolmogorovCDF(v, size, 0) for v in x], color=colour, label=f"n = {size}")
-    right.axvline(d, color="#c23b22")
+    right.axvline(d, color=RED)
     right.set_xlabel("D")
-    right.set_title("P(D <= x); the sample's D in red", fontsize=9)
-    right.legend(fontsize=8)
-    figure.tight_layout()
+    right.set_title("P(D <= x); the sample's D in red")
+    right.legend()
     page.figure(figure, "The sample stays inside the band in which 19 of 20 samples of this size lie as a whole.")

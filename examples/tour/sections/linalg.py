@@ -4,8 +4,9 @@ import math
 
 import matplotlib.pyplot as plt
 import numpy as np
+from orvanth import CollinearityError, stats
 
-BLUE, RED = "#1f5fa8", "#c23b22"
+from palette import BLUE, GREY, RED
 
 # The stack-loss regression as tabled with the data: estimate and standard error.
 STACK_LOSS = {"constant": (-39.9196744201, 11.8959968506), "air flow": (0.7156402005, 0.1348581854),
@@ -72,13 +73,13 @@ def components(core, page, predictors):
     z, vectors = core.matrix(np.zeros((columns, columns)))
     w, found = np.zeros(columns), np.zeros(1, dtype=np.int32)
     core.EigenSymmetric(correlation, square, w, found, z, vectors)
-    page.compare([(f"component {k + 1}: squared singular value, eigenvalue", s[k] ** 2, w[columns - 1 - k])
+    page.compare([(f"component {k + 1}", s[k] ** 2, w[columns - 1 - k])
                   for k in range(columns)],
                  "Variances of the principal components: ThinSVD of the data beside EigenSymmetric of their "
-                 "correlations", tolerance=1e-12)
+                 "correlations", tolerance=1e-12, headers=("singular value squared", "eigenvalue"))
     scores = u * s
     figure, axes = plt.subplots()
-    axes.scatter(scores[:, 0], scores[:, 1], color="#9aa5b1")
+    axes.scatter(scores[:, 0], scores[:, 1], color=GREY)
     for i, (x, y) in enumerate(scores[:, :2]):
         axes.annotate(str(i + 1), (x, y), fontsize=8, xytext=(3, 3), textcoords="offset points")
     for name, x, y in zip(("air flow", "water temperature", "acid concentration"), vt[0], vt[1]):
@@ -114,7 +115,7 @@ def run(core, page):
     studentised = residuals / (scale * np.sqrt(1 - leverage))
     figure, axes = plt.subplots()
     fitted = loss - residuals
-    axes.axhline(0, color="#9aa5b1", linewidth=1)
+    axes.axhline(0, color=GREY, linewidth=1)
     axes.scatter(fitted, studentised, color=[RED if abs(v) > 2 else BLUE for v in studentised])
     for i in np.flatnonzero(np.abs(studentised) > 1.5):
         axes.annotate(f"day {i + 1}", (fitted[i], studentised[i]), xytext=(5, 4), textcoords="offset points")
@@ -140,5 +141,15 @@ def run(core, page):
     status = core.OLS(a, view, b, column, out, coefficients, np.zeros(8), 1e-9)
     page.compare([("column that OLS stops at", status, 8), ("largest change of the right-hand side",
                                                            float(np.abs(b[:, 0] - employed).max()), 0.0)],
-                 "Exactly collinear design", tolerance=0)
+                 "Exactly collinear design", tolerance=0, headers=("computed", "expected"))
+
+    fit = stats.ols(design[:, 1:], employed, names=LONGLEY[1:])
+    page.compare([("price deflator", fit.coefficients[1], values["B1"]),
+                  ("  standard error", fit.standard_errors[1], values["B1_sd"]),
+                  ("R squared", float(fit.r_squared), 0.995479004577296), ("F", float(fit.fvalue), 330.285339234588)],
+                 "Longley's data through orvanth.stats, beside NIST's certified values", tolerance=1e-9)
+    try:
+        stats.ols(redundant[:, 1:], employed, names=[*LONGLEY[1:], "unemployed + armed forces"])
+    except CollinearityError as error:
+        page.text(f"orvanth.stats names the redundant term: {error}.")
     components(core, page, predictors)

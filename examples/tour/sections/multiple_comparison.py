@@ -6,6 +6,8 @@ import math
 import matplotlib.pyplot as plt
 import numpy as np
 
+from palette import BLUE, GREY, INK, RED, SOFT
+
 
 class OneWay:
     """Group means, pooled variance and its degrees of freedom."""
@@ -17,6 +19,7 @@ class OneWay:
         groups = [np.array([float(v) for name, v in rows if name == wanted]) for wanted in self.names]
         self.sizes = [g.size for g in groups]
         self.means = [float(g.mean()) for g in groups]
+        self.groups = groups
         self.df = sum(self.sizes) - len(groups)
         self.variance = sum(float(((g - g.mean()) ** 2).sum()) for g in groups) / self.df
 
@@ -30,6 +33,48 @@ class OneWay:
 def lambda_against(data, control):
     """One coefficient for each group compared with `control`, and a last one that is not read."""
     return np.array([math.sqrt(n / (n + data.sizes[control])) for i, n in enumerate(data.sizes) if i != control] + [0.0])
+
+
+def blood_figure(core, blood, against):
+    """The counts, and how far each drug is from the control: simultaneous intervals, red where 0 is outside."""
+    figure, (left, right) = plt.subplots(1, 2)
+    for i, values in enumerate(blood.groups):
+        left.plot(values, i + np.linspace(-0.12, 0.12, values.size), "o", color=GREY)
+        left.plot([values.mean()] * 2, (i - 0.3, i + 0.3), color=INK)
+    left.set_yticks(range(3), ("control", "drug 1", "drug 2"))
+    left.set_xlabel("blood count")
+    point = core.MCcICDF(0.05, 3, blood.df, against, 1)
+    for i in (1, 2):
+        difference, half = blood.means[i] - blood.means[0], point * blood.error(i, 0)
+        colour = RED if abs(difference) > half else BLUE
+        right.errorbar(difference, i, xerr=half, fmt="o", capsize=6, color=colour)
+        p = core.MCcCDF(abs(blood.t(i, 0)), 3, blood.df, against, 1)
+        right.annotate(f"p = {p:.4f}", (difference + half, i), (0, 8), textcoords="offset points", ha="right",
+                       color=colour)
+    right.axvline(0, color=SOFT, linestyle=":")
+    right.set_yticks((1, 2), ("drug 1", "drug 2"))
+    right.set_ylim(left.get_ylim())
+    right.set_xlabel("drug − control, simultaneous 95 %")
+    return figure
+
+
+def in_the_package(page, plants, blood):
+    """The same three questions to the Python package."""
+    from orvanth import stats  # the picture of README.md is drawn without it
+
+    weights = dict(zip(plants.names, plants.groups))
+    pairs = stats.tukey_hsd(weights)
+    best = stats.hsu_mcb(weights).confidence_interval(0.95)
+    counts = dict(zip(blood.names, blood.groups))
+    two = stats.dunnett(counts, control="control")
+    one = stats.dunnett(counts, control="control", alternative="greater")
+    page.compare([("trt2 − trt1: p", pairs.pvalue[2, 1], 0.012006423979),
+                  ("trt2 − trt1: from", pairs.confidence_interval(0.95).low[2, 1], 0.1737839),
+                  ("trt1 − best other, from", best.low[1], -1.4218439060),
+                  ("trt1 − best other, to", best.high[1], 0.0),
+                  ("drug_b: two-sided p", two.pvalue[1], 0.0058253608),
+                  ("drug_b: one-sided p", one.pvalue[1], 0.0029138830)],
+                 "Through orvanth.stats, whose laws are the refined forms: one call for each question", tolerance=1e-6)
 
 
 def run(core, page):
@@ -89,18 +134,21 @@ def run(core, page):
                  (f"{name}: one-sided p", core.MCbCDF(t, 3, blood.df, against, 1), one)]
     page.compare(rows, "Blood counts, unequal groups: both drugs against the control (Dunnett 1955)", tolerance=1e-4)
 
+    in_the_package(page, plants, blood)
+    page.figure(blood_figure(core, blood, against),
+                "Blood counts of animals under two drugs: only the second one changes the mean, in red.")
+
     figure, (left, right) = plt.subplots(1, 2)
     for y, (name, difference, half) in enumerate(pairs):
-        colour = "#c23b22" if abs(difference) > half else "#1f5fa8"
+        colour = RED if abs(difference) > half else BLUE
         left.errorbar(difference, y, xerr=half, fmt="o", capsize=6, color=colour)
     left.set_yticks(range(len(pairs)), [p[0] for p in pairs])
-    left.axvline(0, color="#56606d", linestyle=":")
+    left.axvline(0, color=SOFT, linestyle=":")
     left.set_title("all pairs, simultaneous 95 %")
     for y, (name, difference, low, high) in enumerate(with_best):
-        right.plot((low, high), (y, y), "|-", color="#c23b22" if high == 0 else "#1f5fa8", markersize=12)
-        right.plot(difference, y, "o", color="#c23b22" if high == 0 else "#1f5fa8")
+        right.plot((low, high), (y, y), "|-", color=RED if high == 0 else BLUE, markersize=12)
+        right.plot(difference, y, "o", color=RED if high == 0 else BLUE)
     right.set_yticks(range(k), plants.names)
-    right.axvline(0, color="#56606d", linestyle=":")
+    right.axvline(0, color=SOFT, linestyle=":")
     right.set_title("group − best of the others")
-    figure.tight_layout()
     page.figure(figure, "Plant growth: the pair that differs, and the group that cannot be the best, in red.")

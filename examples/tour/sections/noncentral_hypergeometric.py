@@ -4,6 +4,9 @@ import csv
 import matplotlib.pyplot as plt
 import mpmath
 import numpy as np
+from orvanth import stats
+
+from palette import BLUE, PALE, RED, SOFT
 
 ACCURACY = 1e-14
 
@@ -70,15 +73,23 @@ def run(core, page):
                         {"p": 0.0005367241, "odds": 0.0469366390497, "low": 0.00331716395066,
                          "high": 0.363189602357})
 
+    result = stats.fisher_exact([[2, 15], [10, 3]])
+    ends = result.confidence_interval(0.95)
+    page.compare([("two-sided exact p", float(result.pvalue), 0.0005367241),
+                  ("conditional odds ratio", float(result.statistic), 0.0469366390497),
+                  ("95 % interval from", float(ends.low), 0.00331716395066),
+                  ("95 % interval to", float(ends.high), 0.363189602357)],
+                 "Convictions of twins through orvanth.stats", tolerance=1e-7)
+
     x, n, m, N = twins
     odds = np.geomspace(1e-3, 2, 200)
     figure, axes = plt.subplots()
     axes.loglog(odds, [core.FNCHypergeometricCDF(x, n, m, N, w, 0, ACCURACY) for w in odds],
-                color="#1f5fa8", label=f"P(X ≤ {x})")
+                color=BLUE, label=f"P(X ≤ {x})")
     axes.loglog(odds, [core.FNCHypergeometricCDF(x - 1, n, m, N, w, 1, ACCURACY) for w in odds],
-                color="#c23b22", label=f"P(X ≥ {x})")
-    axes.axhline(0.025, color="#56606d", linestyle=":")
-    axes.axvspan(low, high, color="#dce8f5", label="exact 95 % interval")
+                color=RED, label=f"P(X ≥ {x})")
+    axes.axhline(0.025, color=SOFT, linestyle=":")
+    axes.axvspan(low, high, color=PALE, label="exact 95 % interval")
     axes.set_ylim(1e-6, 2)
     axes.set_xlabel("odds ratio")
     axes.set_ylabel("tail probability")

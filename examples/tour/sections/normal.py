@@ -5,6 +5,8 @@ import re
 import matplotlib.pyplot as plt
 import numpy as np
 
+from palette import BLUE, GREY, RED
+
 # Standard normal points as printed in the tables of the textbooks, to their digits.
 POINTS = [(0.90, 1.2816), (0.95, 1.6449), (0.975, 1.9600), (0.99, 2.3263), (0.995, 2.5758), (0.9995, 3.2905)]
 
@@ -44,19 +46,18 @@ def run(core, page):
     half = core.NormalICDF(0.025, 0, 1, 1) * sd / math.sqrt(first.size)
     grid = np.linspace(-5, 5, 401)
     figure, (left, right) = plt.subplots(1, 2)
-    left.plot(grid, [core.NormalPDF(x, 0, 1) for x in grid], color="#1f5fa8")
+    left.plot(grid, [core.NormalPDF(x, 0, 1) for x in grid], color=BLUE)
     for side in (-1, 1):
         tail = [x for x in grid if side * x >= abs(z)]
-        left.fill_between(tail, [core.NormalPDF(x, 0, 1) for x in tail], color="#c23b22")
-        left.axvline(side * abs(z), color="#c23b22")
+        left.fill_between(tail, [core.NormalPDF(x, 0, 1) for x in tail], color=RED)
+        left.axvline(side * abs(z), color=RED)
     left.set_title(f"|z| = {abs(z):.2f}, p = {p:.1e}")
     left.set_xlabel("z")
     for i, values in enumerate((first, second)):
         jitter = np.linspace(-0.12, 0.12, values.size)
-        right.plot(i + 1 + jitter, (values - 107.868) * 1e6, ".", color="#9aa5b1")
-        right.errorbar(i + 1, (values.mean() - 107.868) * 1e6, half * 1e6, fmt="o", capsize=6, color="#1f5fa8")
+        right.plot(i + 1 + jitter, (values - 107.868) * 1e6, ".", color=GREY)
+        right.errorbar(i + 1, (values.mean() - 107.868) * 1e6, half * 1e6, fmt="o", capsize=6, color=BLUE)
     right.set_xticks((1, 2), ("instrument 1", "instrument 2"))
     right.set_ylabel("atomic weight − 107.868, in 1e−6")
     right.set_title("means with 95 % intervals")
-    figure.tight_layout()
     page.figure(figure, "The test statistic in its null distribution, and both instruments' measurements.")

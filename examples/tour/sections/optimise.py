@@ -4,6 +4,8 @@ import math
 import matplotlib.pyplot as plt
 import numpy as np
 
+from palette import BLUE, GREY, INK, RED
+
 EVALUATE, NEW_ITERATE, CONVERGED = 1, 2, 3
 CENTRE = 1.8  # doses are centred, so that level and slope hardly disturb each other
 
@@ -56,12 +58,15 @@ def run(core, page):
         along = pull * (1 - parameters[2]) * density
         return f, np.array([along.sum(), along @ distance, pull @ (lived / (1 - parameters[2]))])
 
-    def watch(iterate, evaluations, x, f, g):
-        page.text(f"iterate {iterate:2d}, evaluation {evaluations:2d}: -log likelihood {f:.10f}, level {x[0]:+.6f}, "
-                  f"slope {x[1]:9.6f}, largest gradient {max(abs(g[:2])):.1e}")
+    iterates = []
 
-    page.text("First with c = 0, held there by its two bounds. The iterates as they happen:")
+    def watch(iterate, evaluations, x, f, g):
+        iterates.append((iterate, evaluations, f"{f:.10f}", f"{x[0]:.6f}", f"{x[1]:.6f}", f"{max(abs(g[:2])):.1e}"))
+
+    page.text("First with c = 0, held there by its two bounds.")
     x, f, path, code = minimise(core, objective, (0, 1, 0), (-math.inf, 0, 0), (math.inf, math.inf, 0), watch)
+    page.table(("iterate", "evaluations", "-log likelihood", "level", "slope", "largest gradient"), iterates,
+               "The iterates, one for each step with the code 2")
     died, lived, _ = probabilities(x, distance)
     cells = list(zip(killed, exposed * died)) + list(zip(survived, exposed * lived))
     deviance = 2 * sum(seen * math.log(seen / fitted) for seen, fitted in cells if seen > 0)
@@ -78,15 +83,16 @@ def run(core, page):
     page.text(f"Letting c go free gains {gain:.3f} in twice the log likelihood, and c ends at {free[2]:.3f}.")
 
     grid = np.linspace(1.66, 1.91, 200)
-    figure, (left, right) = plt.subplots(1, 2, figsize=(9, 4))
+    figure, (left, right) = plt.subplots(1, 2)
     levels, slopes = np.meshgrid(np.linspace(-0.6, 1.4, 41), np.linspace(0.5, 27, 41))
     height = np.array([[objective(np.array([a, b, 0]))[0] for a, b in zip(*row)] for row in zip(levels, slopes)])
-    left.contour(levels, slopes, np.log(height - f + 0.3), 14, cmap="Blues_r", linewidths=0.8)
-    left.plot(path[:, 0], path[:, 1], "o-", color="#c23b22", markersize=4, linewidth=1.2)
-    left.set(xlabel="level", ylabel="slope", title=f"{len(path) - 1} iterates", xlim=(-0.6, 1.4), ylim=(0.5, 27))
-    right.plot(dose, killed / exposed, "o", color="#1c2430")
-    for (name, v), colour in zip(fits, ("#c23b22", "#1f5fa8", "#9aa5b1")):
+    left.contour(levels, slopes, np.log(height - f + 0.3), 14, colors=GREY, linewidths=0.8)
+    left.plot(path[:, 0], path[:, 1], "o-", color=RED, markersize=4, linewidth=1.2)
+    left.set(xlabel="level", ylabel="slope", title=f"{len(path) - 1} iterates", xlim=(-0.6, 1.4), ylim=(0.5, 27),
+             xticks=(-0.5, 0, 0.5, 1))
+    right.plot(dose, killed / exposed, "o", color=INK)
+    for (name, v), colour in zip(fits, (RED, BLUE, GREY)):
         right.plot(grid, probabilities(v, grid - CENTRE)[0], color=colour, label=name)
     right.set(xlabel="log10 dose", ylabel="share killed")
-    right.legend(frameon=False, fontsize=9, loc="lower center", bbox_to_anchor=(0.5, 1.0))
+    right.legend(loc="lower center", bbox_to_anchor=(0.5, 1.0))
     page.figure(figure, "Left: the path of the minimiser over the likelihood's contours. Right: the fits.")

@@ -13,6 +13,23 @@ namespace Orvanth.Core.Math
         public int Column { get; private set; }
     }
 
+    /// <summary>The status of this thread's last call, read where the library keeps it: a call to ask for it costs as much
+    /// as the call that it judges.</summary>
+    internal static unsafe class LastStatus
+    {
+        [ThreadStatic] private static IntPtr address;
+
+        internal static bool IsFailure
+        {
+            get
+            {
+                IntPtr at = address;
+                if (at == IntPtr.Zero) address = at = (IntPtr)Native.LastStatusAddress();
+                return *(int*)at != 0;
+            }
+        }
+    }
+
     /// <summary>The one place where a failure of the library becomes an exception.</summary>
     internal static class Failure
     {

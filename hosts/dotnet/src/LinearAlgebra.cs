@@ -153,7 +153,7 @@ namespace Orvanth.Core.Math
             if (Required(x, "x").Columns != b.Length || x.Rows != y.Length) throw new ArgumentException("the shapes do not fit");
             MatrixDescriptor shape = x.Descriptor;
             double total = Native.SafeXb(x.Storage, ref shape, b, y);
-            if (Native.LastStatus() != 0) Failure.Throw(total);
+            if (LastStatus.IsFailure) Failure.Throw(total);
             return total;
         }
 

@@ -9,6 +9,7 @@ class MatrixDescriptor(Structure):
 # name: (result, arguments)
 SIGNATURES = {
     "LastStatus": (c_int32, []),
+    "LastStatusAddress": (c_void_p, []),
     "LastErrorText": (c_char_p, []),
     "LastErrorArgument": (c_char_p, []),
     "StatusWords": (c_char_p, [c_int32]),

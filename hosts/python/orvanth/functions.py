@@ -227,7 +227,8 @@ def gamma_derivative(a, x, *, out=None, where=True):
 
     Edges
     -----
-    x = 0: 0 for a > 1, 1 for a = 1, a failure for a < 1. A NaN argument: NaN.
+    x = 0: 0 for a > 1, 1 for a = 1, a failure for a < 1. a or x = +infinity: 0, both: NaN.
+    A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
@@ -476,7 +477,7 @@ def beta(a, b, *, out=None, where=True):
 
     Edges
     -----
-    A NaN argument: NaN.
+    An infinite argument: 0. A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
@@ -527,7 +528,8 @@ def beta_regularized(a, b, x, *, out=None, where=True):
 
     Edges
     -----
-    a = 0: 1. b = 0: 0. Both are answered before x is tested. x = 0: 0. x = 1: 1. A NaN argument: NaN.
+    a = 0: 1. b = 0: 0. Both are answered before x is tested. x = 0: 0. x = 1: 1. For x
+    between 0 and 1: a = infinity: 0. b = infinity: 1. Both infinite: NaN. A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
@@ -582,7 +584,8 @@ def beta_regularized_c(a, b, x, *, out=None, where=True):
 
     Edges
     -----
-    a = 0: 0. b = 0: 1. Both are answered before x is tested. x = 0: 1. x = 1: 0. A NaN argument: NaN.
+    a = 0: 0. b = 0: 1. Both are answered before x is tested. x = 0: 1. x = 1: 0. For x
+    between 0 and 1: a = infinity: 1. b = infinity: 0. Both infinite: NaN. A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
@@ -634,7 +637,7 @@ def beta_derivative(a, b, x, *, out=None, where=True):
     Edges
     -----
     x = 0: 0 for a > 1, b for a = 1, +infinity with errno 34 for a < 1. x = 1: the same with a and b
-    exchanged. A NaN argument: NaN.
+    exchanged. Between them: 0 for an infinite a or b, NaN if both are. A NaN argument: NaN.
 
     Failure of the plain export
     ---------------------------
@@ -1385,6 +1388,7 @@ def chi_squared_icdf(p, df, *, upper=False, out=None, where=True):
     Edges
     -----
     p = 0: 0. p = 1: +infinity, and errno stays as it was. With the flag set the reverse.
+    A quantile beyond the largest double: +infinity, and errno stays as it was.
 
     Failure of the plain export
     ---------------------------
@@ -1712,6 +1716,7 @@ def gamma_icdf(p, shape, scale, *, upper=False, out=None, where=True):
     Edges
     -----
     p = 0: 0. p = 1: +infinity with errno 34. With the flag set the reverse.
+    A quantile beyond the largest double: +infinity, and errno stays as it was.
 
     Failure of the plain export
     ---------------------------
@@ -1768,7 +1773,8 @@ def normal_pdf(x, mean, sd, *, out=None, where=True):
 
     Failure of the plain export
     ---------------------------
-    Silent. A bad mean or sd: errno 33, and NaN unless x is infinite. x a NaN: NaN, errno 33.
+    Silent. A bad mean or sd: errno 33, and NaN unless x is infinite. x a NaN: NaN, errno 33. A
+    density beyond the largest double: +infinity, errno 34.
 
     References
     ----------
@@ -1869,6 +1875,7 @@ def normal_icdf(p, mean, sd, *, upper=False, out=None, where=True):
     Edges
     -----
     p = 0: -infinity. p = 1: +infinity. Both with errno 34; with the flag set the reverse.
+    A quantile beyond the largest double: an infinity, and errno stays as it was.
 
     Failure of the plain export
     ---------------------------
@@ -3195,9 +3202,9 @@ def refined_mca_cdf(x, k, df, lambda_, *, upper=False, out=None):
     k : int
         number of groups, 1 to 46341
     df : float
-        degrees of freedom of the scale, greater than 0; infinity is a known scale
+        degrees of freedom of the scale, at least 0.001; infinity is a known scale
     lambda_ : array of float
-        k coefficients in (-1, 1); the first counts, 1/sqrt 2 for the range
+        k coefficients in [-0.9999, 0.9999]; the first counts, 1/sqrt 2 for the range
     upper : bool
         zero in its low byte: P(X <= x); otherwise P(X > x), computed as a tail
 
@@ -3219,8 +3226,8 @@ def refined_mca_cdf(x, k, df, lambda_, *, upper=False, out=None):
 
     Failure
     -------
-    A quiet NaN and a status. Domain: df <= 0 or NaN, x a NaN, k of 0 or above 46341, |lambda[0]| >= 1.
-    Argument: k < 0, lambda null. Memory: no memory for k doubles.
+    A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k > 46341, |lambda[0]| >
+    0.9999. Argument: k < 0, lambda null. Memory: no memory for k doubles.
 
     References
     ----------
@@ -3253,9 +3260,9 @@ def refined_mca_icdf(p, k, df, lambda_, *, upper=False, out=None):
     k : int
         number of groups, 2 to 46341
     df : float
-        degrees of freedom, greater than 0; infinity is a known scale
+        degrees of freedom, at least 0.001; infinity is a known scale
     lambda_ : array of float
-        k coefficients in (-1, 1); the first counts, 1/sqrt 2 for the range
+        k coefficients in [-0.9999, 0.9999]; the first counts, 1/sqrt 2 for the range
     upper : bool
         zero in its low byte: P(X <= x) = p; otherwise P(X > x) = p
 
@@ -3271,13 +3278,13 @@ def refined_mca_icdf(p, k, df, lambda_, *, upper=False, out=None):
 
     Edges
     -----
-    p = 0, with a set tail p = 1: 0. An infinite quantile is a failure.
+    p = 0, with a set tail p = 1: 0. A quantile above 1e307 is a failure.
 
     Failure
     -------
-    A quiet NaN and a status. Domain: df <= 0 or NaN, p outside [0, 1], k below 2 or above 46341,
-    |lambda[0]| >= 1; p beyond what is reached with another lambda[0] than 1/sqrt 2. Overflow: p = 1,
-    with a set tail p = 0. Argument: k < 0, lambda null. Memory: no memory for k doubles.
+    A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+    |lambda[0]| > 0.9999; p beyond what is reached with another lambda[0] than 1/sqrt 2. Overflow: p =
+    1, with a set tail p = 0. Argument: k < 0, lambda null. Memory: no memory for k doubles.
 
     References
     ----------
@@ -3310,9 +3317,9 @@ def refined_mcb_cdf(x, k, df, lambda_, *, upper=False, out=None):
     k : int
         number of groups, 1 to 46341
     df : float
-        degrees of freedom of the scale, greater than 0; infinity is a known scale
+        degrees of freedom of the scale, at least 0.001; infinity is a known scale
     lambda_ : array of float
-        k coefficients in (-1, 1); the first k - 1 count
+        k coefficients in [-0.9999, 0.9999]; the first k - 1 count
     upper : bool
         zero in its low byte: P(X <= x); otherwise P(X > x), computed as a tail
 
@@ -3333,8 +3340,8 @@ def refined_mcb_cdf(x, k, df, lambda_, *, upper=False, out=None):
 
     Failure
     -------
-    A quiet NaN and a status. Domain: df <= 0 or NaN, x a NaN, k of 0 or above 46341, |lambda[j]| >= 1
-    for a j below k - 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
+    A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k > 46341, |lambda[j]| >
+    0.9999 for a j below k - 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
 
     References
     ----------
@@ -3367,9 +3374,9 @@ def refined_mcb_icdf(p, k, df, lambda_, *, upper=False, out=None):
     k : int
         number of groups, 2 to 46341
     df : float
-        degrees of freedom, greater than 0; infinity is a known scale
+        degrees of freedom, at least 0.001; infinity is a known scale
     lambda_ : array of float
-        k coefficients in (-1, 1); the first k - 1 count
+        k coefficients in [-0.9999, 0.9999]; the first k - 1 count
     upper : bool
         zero in its low byte: P(X <= x) = p; otherwise P(X > x) = p
 
@@ -3385,13 +3392,13 @@ def refined_mcb_icdf(p, k, df, lambda_, *, upper=False, out=None):
 
     Edges
     -----
-    An infinite quantile is a failure.
+    A quantile above 1e307 is a failure.
 
     Failure
     -------
-    A quiet NaN and a status. Domain: df <= 0 or NaN, p outside [0, 1], k below 2 or above 46341,
-    |lambda[j]| >= 1 for a j below k - 1. Overflow: p = 1, with a set tail p = 0; p = 0, with a set tail
-    p = 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
+    A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+    |lambda[j]| > 0.9999 for a j below k - 1. Overflow: p = 1, with a set tail p = 0; p = 0, with a set
+    tail p = 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
 
     References
     ----------
@@ -3424,9 +3431,9 @@ def refined_mcc_cdf(x, k, df, lambda_, *, upper=False, out=None):
     k : int
         number of groups, 1 to 46341
     df : float
-        degrees of freedom of the scale, greater than 0; infinity is a known scale
+        degrees of freedom of the scale, at least 0.001; infinity is a known scale
     lambda_ : array of float
-        k coefficients in (-1, 1); the first k - 1 count
+        k coefficients in [-0.9999, 0.9999]; the first k - 1 count
     upper : bool
         zero in its low byte: P(X <= x); otherwise P(X > x), computed as a tail
 
@@ -3447,8 +3454,8 @@ def refined_mcc_cdf(x, k, df, lambda_, *, upper=False, out=None):
 
     Failure
     -------
-    A quiet NaN and a status. Domain: df <= 0 or NaN, x a NaN, k of 0 or above 46341, |lambda[j]| >= 1
-    for a j below k - 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
+    A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k > 46341, |lambda[j]| >
+    0.9999 for a j below k - 1. Argument: k < 0, lambda null. Memory: no memory for k doubles.
 
     References
     ----------
@@ -3481,9 +3488,9 @@ def refined_mcc_icdf(p, k, df, lambda_, *, upper=False, out=None):
     k : int
         number of groups, 2 to 46341
     df : float
-        degrees of freedom, greater than 0; infinity is a known scale
+        degrees of freedom, at least 0.001; infinity is a known scale
     lambda_ : array of float
-        k coefficients in (-1, 1); the first k - 1 count
+        k coefficients in [-0.9999, 0.9999]; the first k - 1 count
     upper : bool
         zero in its low byte: P(X <= x) = p; otherwise P(X > x) = p
 
@@ -3499,12 +3506,12 @@ def refined_mcc_icdf(p, k, df, lambda_, *, upper=False, out=None):
 
     Edges
     -----
-    p = 0, with a set tail p = 1: 0. An infinite quantile is a failure.
+    p = 0, with a set tail p = 1: 0. A quantile above 1e307 is a failure.
 
     Failure
     -------
-    A quiet NaN and a status. Domain: df <= 0 or NaN, p outside [0, 1], k below 2 or above 46341,
-    |lambda[j]| >= 1 for a j below k - 1. Overflow: p = 1, with a set tail p = 0. Argument: k < 0,
+    A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+    |lambda[j]| > 0.9999 for a j below k - 1. Overflow: p = 1, with a set tail p = 0. Argument: k < 0,
     lambda null. Memory: no memory for k doubles.
 
     References

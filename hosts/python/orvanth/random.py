@@ -3,9 +3,10 @@ import numpy as np
 
 from . import _library as lib
 
-__all__ = ["RandomStream", "normals"]
+__all__ = ["RandomStream", "helper_seed", "normals"]
 
 _LONGEST = 2**31 - 1
+_WORD = 2**32 - 1
 
 
 def _seed(seed):
@@ -32,6 +33,37 @@ def normals(seed, count, mean=0.0, sigma=1.0):
     if lib.SafeRandomNormalVariable(lib.address(values), count, mean, sigma, _seed(seed)) != 0:
         raise lib.error()
     return values
+
+
+def helper_seed(seed, worker):
+    """The seed of worker 0, 1, 2, ... under a seed, for many workers or chunks that draw at the same time.
+
+    ``worker`` is a number from 0 to 2^32 - 1, or an array of them. Under one seed all workers have different seeds. The
+    seed itself is not used for numbers; the main program takes a worker number too. The formula is a mixing of 32-bit
+    words, the finaliser of MurmurHash3.
+
+    Examples
+    --------
+    >>> from orvanth import random
+    >>> random.helper_seed(1, 0)
+    1895220952
+    >>> random.helper_seed(1, [1, 2])
+    array([ 709402517, 1606317162], dtype=uint32)
+    """
+    workers = np.asarray(worker)
+    if workers.dtype.kind not in "iu" or ((workers < 0) | (workers >= 2**32)).any():
+        raise ValueError(f"worker is {worker}; it must be a whole number from 0 to 2^32 - 1")
+    of_seed = _mix(np.uint64(_seed(seed) & _WORD) + np.uint64(0x9E3779B9))
+    mixed = _mix(of_seed + workers.astype(np.uint64)).astype(np.uint32)
+    return int(mixed) if mixed.ndim == 0 else mixed
+
+
+def _mix(h):
+    """A bijection of 32-bit words, which 64-bit words hold so that products are exact."""
+    h = h & np.uint64(_WORD)
+    for shift, factor in ((16, 0x85EBCA6B), (13, 0xC2B2AE35)):
+        h = (h ^ (h >> np.uint64(shift))) * np.uint64(factor) & np.uint64(_WORD)
+    return h ^ (h >> np.uint64(16))
 
 
 class RandomStream:

@@ -62,6 +62,8 @@ def test_many_tables_and_large_ones():
         assert together.pvalue[at] == alone.pvalue
         assert np.array_equal([together.statistic[at], interval.low[at], interval.high[at]],
                               [alone.statistic, *alone.confidence_interval()], equal_nan=True)
+    ends = (tables[:, 0, 0] == 0) | (tables[:, 1, 1] == 0), (tables[:, 0, 1] == 0) | (tables[:, 1, 0] == 0)
+    assert ((interval.low.ravel() == 0) == ends[0]).all() and (np.isinf(interval.high.ravel()) == ends[1]).all()
     big = [[3000, 7000], [2500, 80000]]
     result, theirs = stats.fisher_exact([[300, 700], [250, 8000]]), scipy.stats.contingency.odds_ratio([[300, 700], [250, 8000]])
     assert np.allclose(result.confidence_interval(), theirs.confidence_interval(), rtol=1e-6)

@@ -5,6 +5,7 @@ import data
 import numpy as np
 import pytest
 from orvanth import stats
+from orvanth.stats import plots
 
 matplotlib = pytest.importorskip("matplotlib")
 matplotlib.use("agg")
@@ -43,6 +44,8 @@ def test_intervals_are_where_the_result_says():
     assert [t.get_text() for t in ax.get_yticklabels()] == ["ctrl - trt1", "ctrl - trt2", "trt1 - trt2"]
     interval = result.confidence_interval(0.9)
     drawn = [line.get_xdata() for line in ax.lines if len(line.get_xdata()) == 2 and line.get_marker() == "|"]
+    colours = [line.get_color() for line in ax.lines if line.get_marker() == "o"]
+    assert colours == [plots.INSIDE, plots.INSIDE, plots.OUTSIDE]
     i, j = np.triu_indices(3, 1)
     assert np.allclose(drawn, np.column_stack([interval.low[i, j], interval.high[i, j]]))
 

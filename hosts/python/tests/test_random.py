@@ -1,4 +1,6 @@
 import pickle
+import re
+from pathlib import Path
 
 import numpy as np
 import orvanth
@@ -49,3 +51,37 @@ def test_bad_arguments_are_exceptions_and_nothing_is_printed(capfd):
     with pytest.raises(ValueError):
         RandomStream(1).indices(-1)
     assert capfd.readouterr().out == ""
+
+
+def test_helper_seeds_are_those_of_the_page():
+    page = (Path(__file__).resolve().parents[3] / "docs/accuracy/random.md").read_text()
+    rows = re.search(r"\| seed \| worker \| helper seed \|\n.*\n((?:\|.*\n)+)", page).group(1).splitlines()
+    assert len(rows) >= 6
+    for row in rows:
+        seed, worker, expected = (int(cell) for cell in row.strip("|").split("|"))
+        assert random.helper_seed(seed, worker) == expected
+        assert random.helper_seed(seed, np.array([worker]))[0] == expected
+
+
+def test_helper_seeds_of_one_seed_differ():
+    assert len(np.unique(random.helper_seed(5, np.arange(10**6)))) == 10**6
+    assert len(np.unique(random.helper_seed(-1, np.arange(2**32 - 10**5, 2**32)))) == 10**5
+    assert random.helper_seed(-1, 3) == random.helper_seed(2**32 - 1, 3)
+    assert random.helper_seed(np.uint32(7), np.uint8(3)) == random.helper_seed(7, 3)
+
+
+def test_streams_of_workers_have_no_visible_dependence():
+    # 200 streams of 400 variates: the largest of 19900 correlations of independent ones is below 0.3.
+    streams = np.stack([random.normals(int(s), 400) for s in random.helper_seed(1, np.arange(200))])
+    correlations = np.corrcoef(streams)[np.triu_indices(200, 1)]
+    assert np.abs(correlations).max() < 0.3
+    assert abs(correlations.std() * np.sqrt(400) - 1) < 0.05
+    assert len(np.unique(streams[:, 0])) == 200
+
+
+def test_helper_seeds_refuse_what_is_no_worker():
+    for worker in (-1, 2**32, 1.0, [0, -1]):
+        with pytest.raises(ValueError, match="worker"):
+            random.helper_seed(1, worker)
+    with pytest.raises(ValueError, match="seed"):
+        random.helper_seed(2**32, 0)

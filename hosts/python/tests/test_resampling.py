@@ -2,7 +2,7 @@
 import numpy as np
 import pandas as pd
 import pytest
-from orvanth import RandomStream, stats
+from orvanth import RandomStream, random, stats
 
 MICE = np.array([94.0, 197, 16, 38, 99, 141, 23])
 CONTROL = np.array([52.0, 104, 146, 10, 51, 30, 40, 46, 27])
@@ -45,10 +45,24 @@ def test_forms_of_data():
     assert np.array_equal(columns.bootstrap_distribution, together.bootstrap_distribution)
 
 
+@pytest.mark.parametrize("statistic", [np.sum, lambda values: values.sum()])
+def test_a_data_set_has_the_same_bits_in_any_company(statistic):
+    many = random.normals(1, 5 * 37).reshape(5, 37)
+    together = stats.bootstrap(many, statistic, n_resamples=50).bootstrap_distribution
+    for i in range(5):
+        alone = stats.bootstrap(many[i:i + 1], statistic, n_resamples=50)
+        assert np.array_equal(together[i:i + 1], alone.bootstrap_distribution)
+        assert np.array_equal(together[i], stats.bootstrap(many[i], statistic, n_resamples=50).bootstrap_distribution)
+
+
 def test_pairs_stay_together():
     x = np.arange(10.0)
     result = stats.bootstrap((x, 3 * x + 1), lambda a, b: np.corrcoef(a, b)[0, 1], n_resamples=20, paired=True)
     assert np.allclose(result.bootstrap_distribution, 1)
+    both = stats.bootstrap((x, x[::-1]), lambda a, b: a.mean() + b[0], n_resamples=5, paired=True, seed=4)
+    with RandomStream(4) as stream:
+        indices = [stream.indices(10) for _ in range(5)]
+    assert np.allclose(both.bootstrap_distribution, [x[i].mean() + 9 - i[0] for i in indices])
 
 
 def test_power_of_a_t_test():

@@ -37,7 +37,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaPDF(x, a, b);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -86,7 +86,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaCDF(x, a, b, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -138,7 +138,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaICDF(p, a, b, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -191,7 +191,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeChiSquaredPDF(x, df);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -237,7 +237,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeChiSquaredCDF(x, df, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -266,7 +266,8 @@ namespace Orvanth.Core.Math
         /// <para>Formula</para>
         /// <code>twice the y with P(df/2, y) = p, with the flag set twice the y with Q(df/2, y) = p</code>
         /// <para>Edges</para>
-        /// <para>p = 0: 0. p = 1: +infinity, and errno stays as it was. With the flag set the reverse.</para>
+        /// <para>p = 0: 0. p = 1: +infinity, and errno stays as it was. With the flag set the reverse.
+        /// A quantile beyond the largest double: +infinity, and errno stays as it was.</para>
         /// <para>Failure of the C export</para>
         /// <para>Silent. A bad df: NaN, errno 33. A good df with p outside [0, 1]: errno 33, and the calculation goes
         /// on to NaN. p a NaN: NaN, and errno 33 only if df is bad.
@@ -287,7 +288,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeChiSquaredICDF(p, df, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -339,7 +340,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeFisherFPDF(x, df1, df2);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -388,7 +389,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeFisherFCDF(x, df1, df2, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -443,7 +444,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeFisherFICDF(p, df1, df2, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -498,7 +499,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaPDF(x, shape, scale);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -547,7 +548,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaCDF(x, shape, scale, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -579,7 +580,8 @@ namespace Orvanth.Core.Math
         /// <para>Formula</para>
         /// <code>scale times the y with P(shape, y) = p, with the flag set scale times the y with Q(shape, y) = p</code>
         /// <para>Edges</para>
-        /// <para>p = 0: 0. p = 1: +infinity with errno 34. With the flag set the reverse.</para>
+        /// <para>p = 0: 0. p = 1: +infinity with errno 34. With the flag set the reverse.
+        /// A quantile beyond the largest double: +infinity, and errno stays as it was.</para>
         /// <para>Failure of the C export</para>
         /// <para>Silent. A bad shape or scale, or p outside [0, 1] or a NaN: NaN, errno 33.
         /// If no search arrives: the value reached, errno 33; no such argument is known.</para>
@@ -599,7 +601,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaICDF(p, shape, scale, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -636,7 +638,8 @@ namespace Orvanth.Core.Math
         /// <para>Edges</para>
         /// <para>x = -infinity or +infinity: 0, also with a bad mean or sd, which then only sets errno.</para>
         /// <para>Failure of the C export</para>
-        /// <para>Silent. A bad mean or sd: errno 33, and NaN unless x is infinite. x a NaN: NaN, errno 33.</para>
+        /// <para>Silent. A bad mean or sd: errno 33, and NaN unless x is infinite. x a NaN: NaN, errno 33. A
+        /// density beyond the largest double: +infinity, errno 34.</para>
         /// <para>Memory</para>
         /// <para>None.</para>
         /// <para>Accuracy</para>
@@ -652,7 +655,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeNormalPDF(x, mean, sd);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -702,7 +705,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeNormalCDF(x, mean, sd, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -734,7 +737,8 @@ namespace Orvanth.Core.Math
         /// <para>Formula</para>
         /// <code>mean - z sd sqrt(2) with erfc(z) = 2 p, with the flag set mean + z sd sqrt(2)</code>
         /// <para>Edges</para>
-        /// <para>p = 0: -infinity. p = 1: +infinity. Both with errno 34; with the flag set the reverse.</para>
+        /// <para>p = 0: -infinity. p = 1: +infinity. Both with errno 34; with the flag set the reverse.
+        /// A quantile beyond the largest double: an infinity, and errno stays as it was.</para>
         /// <para>Failure of the C export</para>
         /// <para>Silent. A bad mean or sd, or p outside [0, 1] or a NaN: NaN, errno 33.</para>
         /// <para>Memory</para>
@@ -752,7 +756,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeNormalICDF(p, mean, sd, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -804,7 +808,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeStudentTPDF(x, df);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -851,7 +855,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeStudentTCDF(x, df, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -901,7 +905,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeStudentTICDF(p, df, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -959,7 +963,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBinomialPDF(k, n, p);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1014,7 +1018,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBinomialCDF(k, n, p, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1081,7 +1085,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBinomialICDF(probability, n, p, (int)tail, roundUp ? 1 : 0);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1144,7 +1148,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBinomialPS(alpha, successes, trials, boundSelector);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1212,7 +1216,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeHypergeometricPDF(x, r, n, N);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1277,7 +1281,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeHypergeometricCDF(x, r, n, N, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -1340,7 +1344,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeHypergeometricICDF(p, r, n, N, (int)tail);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 

@@ -50,7 +50,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeKolmogorovCDF(x, n, (int)complement);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -106,7 +106,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeKolmogorovICDF(p, n, (int)complement);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 

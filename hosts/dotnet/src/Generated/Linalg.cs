@@ -42,7 +42,7 @@ namespace Orvanth.Core.Math
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(a, descriptor, "a");
             int result = Native.SafeQR(a, ref descriptor, tau);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -81,7 +81,7 @@ namespace Orvanth.Core.Math
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(a, descriptor, "a");
             int result = Native.SafeQRP(a, ref descriptor, tau, jpvt);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -116,7 +116,7 @@ namespace Orvanth.Core.Math
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(a, descriptor, "a");
             int result = Native.SafeQR_Q(a, ref descriptor, tau);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -156,7 +156,7 @@ namespace Orvanth.Core.Math
             Guard.Fits(a, aDescriptor, "a");
             Guard.Fits(c, cDescriptor, "c");
             int result = Native.SafeQR_Qy(a, ref aDescriptor, transpose ? 1 : 0, tau, c, ref cDescriptor);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -201,7 +201,7 @@ namespace Orvanth.Core.Math
             Guard.Fits(u, uDescriptor, "u");
             Guard.Fits(vt, vtDescriptor, "vt");
             int result = Native.SafeFullSVD(a, ref aDescriptor, s, u, ref uDescriptor, vt, ref vtDescriptor);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -247,7 +247,7 @@ namespace Orvanth.Core.Math
             Guard.Fits(u, uDescriptor, "u");
             Guard.Fits(vt, vtDescriptor, "vt");
             int result = Native.SafeThinSVD(a, ref aDescriptor, s, u, ref uDescriptor, vt, ref vtDescriptor);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -291,7 +291,7 @@ namespace Orvanth.Core.Math
             Guard.Fits(a, aDescriptor, "a");
             Guard.Fits(z, zDescriptor, "z");
             int result = Native.SafeEigenSymmetric(a, ref aDescriptor, w, m, z, ref zDescriptor);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -330,7 +330,7 @@ namespace Orvanth.Core.Math
             Guard.Fits(a, aDescriptor, "a");
             Guard.Fits(b, bDescriptor, "b");
             int result = Native.SafeLS(a, ref aDescriptor, b, ref bDescriptor);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -339,7 +339,7 @@ namespace Orvanth.Core.Math
         /// <param name="aDescriptor">view of a, offset honoured: rows = m &gt;= 0, columns = n from 0 to 2499, leadingDimension &gt;= max(1, m)</param>
         /// <param name="b">max(m, n) by k right-hand sides; on status 0 Q' b</param>
         /// <param name="bDescriptor">view of b, offset honoured: columns = k &gt;= 0, leadingDimension &gt;= max(1, m, n); rows is not read</param>
-        /// <param name="x">n by k; on status 0 the coefficients of a single right-hand side, in the order of the columns. Of several only the first column is a solution: solve for one at a time</param>
+        /// <param name="x">n by k; on status 0 the coefficients of a single right-hand side, in the order of the columns. Of several only the first column is a solution: solve for one at a time. The others are written as well, to elements n to n + k - 2 from the first, whatever the leading dimension</param>
         /// <param name="xDescriptor">view of x, offset honoured: leadingDimension &gt;= max(1, n); nothing else is read</param>
         /// <param name="tau">min(m, n) doubles, the factors of the reflectors</param>
         /// <param name="tolerance">any number, for example 1e-7</param>
@@ -384,7 +384,7 @@ namespace Orvanth.Core.Math
             Guard.Fits(b, bDescriptor, "b");
             Guard.Fits(x, xDescriptor, "x");
             int result = Native.SafeOLS(a, ref aDescriptor, b, ref bDescriptor, x, ref xDescriptor, tau, tolerance);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -423,7 +423,7 @@ namespace Orvanth.Core.Math
             Guard.Fits(a, aDescriptor, "a");
             Guard.Fits(b, bDescriptor, "b");
             int result = Native.SafeSolveTriangularSystem(a, ref aDescriptor, upper ? 1 : 0, transpose ? 1 : 0, b, ref bDescriptor);
-            if (result < 0 && Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (result < 0 && LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
 
@@ -460,7 +460,7 @@ namespace Orvanth.Core.Math
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Guard.Fits(x, descriptor, "x");
             double result = Native.SafeXb(x, ref descriptor, b, y);
-            if (Native.LastStatus() != 0) Failure.Throw(double.NaN);
+            if (LastStatus.IsFailure) Failure.Throw(double.NaN);
             return result;
         }
     }

@@ -50,7 +50,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCaCDF(x, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -113,7 +113,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCaICDF(p, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -182,7 +182,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCbCDF(x, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -245,7 +245,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCbICDF(p, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -314,7 +314,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCcCDF(x, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -377,7 +377,7 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeMCcICDF(p, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
@@ -411,8 +411,8 @@ namespace Orvanth.Core.Math
             /// <summary>Refined cumulative probability of the largest of all pairwise comparisons (Tukey).</summary>
             /// <param name="x">the statistic on the scale of t; any double but NaN</param>
             /// <param name="k">number of groups, 1 to 46341</param>
-            /// <param name="df">degrees of freedom of the scale, greater than 0; infinity is a known scale</param>
-            /// <param name="lambda">k coefficients in (-1, 1); the first counts, 1/sqrt 2 for the range</param>
+            /// <param name="df">degrees of freedom of the scale, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first counts, 1/sqrt 2 for the range</param>
             /// <param name="tail">zero in its low byte: P(X &lt;= x); otherwise P(X &gt; x), computed as a tail</param>
             /// <returns>the probability.</returns>
             /// <remarks>
@@ -424,8 +424,8 @@ namespace Orvanth.Core.Math
             /// <para>x of 0 and below: 0. x = infinity: 1. k = 1: 1. With another lambda[0] than 1/sqrt 2 the value at
             /// infinity is not 1, as in MCaCDF; the upper tail is then 1 minus the lower one.</para>
             /// <para>Failure</para>
-            /// <para>A quiet NaN and a status. Domain: df &lt;= 0 or NaN, x a NaN, k of 0 or above 46341, |lambda[0]| &gt;= 1.
-            /// Argument: k &lt; 0, lambda null. Memory: no memory for k doubles.</para>
+            /// <para>A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k &gt; 46341, |lambda[0]| &gt;
+            /// 0.9999. Argument: k &lt; 0, lambda null. Memory: no memory for k doubles.</para>
             /// <para>Memory</para>
             /// <para>k doubles during the call.</para>
             /// <para>Accuracy</para>
@@ -443,15 +443,15 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeRefinedMCaCDF(x, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
             /// <summary>Refined cumulative probability of the largest of all pairwise comparisons (Tukey). Over arrays; an element that fails does not end the loop.</summary>
             /// <param name="x">the statistic on the scale of t; any double but NaN</param>
             /// <param name="k">number of groups, 1 to 46341</param>
-            /// <param name="df">degrees of freedom of the scale, greater than 0; infinity is a known scale</param>
-            /// <param name="lambda">k coefficients in (-1, 1); the first counts, 1/sqrt 2 for the range</param>
+            /// <param name="df">degrees of freedom of the scale, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first counts, 1/sqrt 2 for the range</param>
             /// <param name="tail">zero in its low byte: P(X &lt;= x); otherwise P(X &gt; x), computed as a tail</param>
             /// <param name="result">Gets the results; its length is the number of elements.</param>
             /// <returns>How many elements failed, the first of them and its text.</returns>
@@ -470,8 +470,8 @@ namespace Orvanth.Core.Math
             /// <summary>Refined quantile of the largest of all pairwise comparisons (Tukey).</summary>
             /// <param name="p">probability in (0, 1); 0 of the lower tail has a value</param>
             /// <param name="k">number of groups, 2 to 46341</param>
-            /// <param name="df">degrees of freedom, greater than 0; infinity is a known scale</param>
-            /// <param name="lambda">k coefficients in (-1, 1); the first counts, 1/sqrt 2 for the range</param>
+            /// <param name="df">degrees of freedom, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first counts, 1/sqrt 2 for the range</param>
             /// <param name="tail">zero in its low byte: P(X &lt;= x) = p; otherwise P(X &gt; x) = p</param>
             /// <returns>x.</returns>
             /// <remarks>
@@ -479,11 +479,11 @@ namespace Orvanth.Core.Math
             /// <code>The x with RefinedMCaCDF(x, k, df, lambda, tail) = p, by Algorithm 748 on the logarithm of the
             /// smaller tail.</code>
             /// <para>Edges</para>
-            /// <para>p = 0, with a set tail p = 1: 0. An infinite quantile is a failure.</para>
+            /// <para>p = 0, with a set tail p = 1: 0. A quantile above 1e307 is a failure.</para>
             /// <para>Failure</para>
-            /// <para>A quiet NaN and a status. Domain: df &lt;= 0 or NaN, p outside [0, 1], k below 2 or above 46341,
-            /// |lambda[0]| &gt;= 1; p beyond what is reached with another lambda[0] than 1/sqrt 2. Overflow: p = 1,
-            /// with a set tail p = 0. Argument: k &lt; 0, lambda null. Memory: no memory for k doubles.</para>
+            /// <para>A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+            /// |lambda[0]| &gt; 0.9999; p beyond what is reached with another lambda[0] than 1/sqrt 2. Overflow: p =
+            /// 1, with a set tail p = 0. Argument: k &lt; 0, lambda null. Memory: no memory for k doubles.</para>
             /// <para>Memory</para>
             /// <para>k doubles during the call.</para>
             /// <para>Accuracy</para>
@@ -501,15 +501,15 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeRefinedMCaICDF(p, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
             /// <summary>Refined quantile of the largest of all pairwise comparisons (Tukey). Over arrays; an element that fails does not end the loop.</summary>
             /// <param name="p">probability in (0, 1); 0 of the lower tail has a value</param>
             /// <param name="k">number of groups, 2 to 46341</param>
-            /// <param name="df">degrees of freedom, greater than 0; infinity is a known scale</param>
-            /// <param name="lambda">k coefficients in (-1, 1); the first counts, 1/sqrt 2 for the range</param>
+            /// <param name="df">degrees of freedom, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first counts, 1/sqrt 2 for the range</param>
             /// <param name="tail">zero in its low byte: P(X &lt;= x) = p; otherwise P(X &gt; x) = p</param>
             /// <param name="result">Gets the results; its length is the number of elements.</param>
             /// <returns>How many elements failed, the first of them and its text.</returns>
@@ -535,8 +535,8 @@ namespace Orvanth.Core.Math
             /// <summary>Refined cumulative probability of the largest one-sided comparison with one group (Hsu).</summary>
             /// <param name="x">the statistic on the scale of t; any double but NaN</param>
             /// <param name="k">number of groups, 1 to 46341</param>
-            /// <param name="df">degrees of freedom of the scale, greater than 0; infinity is a known scale</param>
-            /// <param name="lambda">k coefficients in (-1, 1); the first k - 1 count</param>
+            /// <param name="df">degrees of freedom of the scale, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first k - 1 count</param>
             /// <param name="tail">zero in its low byte: P(X &lt;= x); otherwise P(X &gt; x), computed as a tail</param>
             /// <returns>the probability.</returns>
             /// <remarks>
@@ -547,8 +547,8 @@ namespace Orvanth.Core.Math
             /// <para>Edges</para>
             /// <para>x = infinity: 1. x = -infinity: 0. k = 1: 1.</para>
             /// <para>Failure</para>
-            /// <para>A quiet NaN and a status. Domain: df &lt;= 0 or NaN, x a NaN, k of 0 or above 46341, |lambda[j]| &gt;= 1
-            /// for a j below k - 1. Argument: k &lt; 0, lambda null. Memory: no memory for k doubles.</para>
+            /// <para>A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k &gt; 46341, |lambda[j]| &gt;
+            /// 0.9999 for a j below k - 1. Argument: k &lt; 0, lambda null. Memory: no memory for k doubles.</para>
             /// <para>Memory</para>
             /// <para>k doubles during the call.</para>
             /// <para>Accuracy</para>
@@ -566,15 +566,15 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeRefinedMCbCDF(x, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
             /// <summary>Refined cumulative probability of the largest one-sided comparison with one group (Hsu). Over arrays; an element that fails does not end the loop.</summary>
             /// <param name="x">the statistic on the scale of t; any double but NaN</param>
             /// <param name="k">number of groups, 1 to 46341</param>
-            /// <param name="df">degrees of freedom of the scale, greater than 0; infinity is a known scale</param>
-            /// <param name="lambda">k coefficients in (-1, 1); the first k - 1 count</param>
+            /// <param name="df">degrees of freedom of the scale, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first k - 1 count</param>
             /// <param name="tail">zero in its low byte: P(X &lt;= x); otherwise P(X &gt; x), computed as a tail</param>
             /// <param name="result">Gets the results; its length is the number of elements.</param>
             /// <returns>How many elements failed, the first of them and its text.</returns>
@@ -593,8 +593,8 @@ namespace Orvanth.Core.Math
             /// <summary>Refined quantile of the largest one-sided comparison with one group (Hsu).</summary>
             /// <param name="p">probability in (0, 1)</param>
             /// <param name="k">number of groups, 2 to 46341</param>
-            /// <param name="df">degrees of freedom, greater than 0; infinity is a known scale</param>
-            /// <param name="lambda">k coefficients in (-1, 1); the first k - 1 count</param>
+            /// <param name="df">degrees of freedom, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first k - 1 count</param>
             /// <param name="tail">zero in its low byte: P(X &lt;= x) = p; otherwise P(X &gt; x) = p</param>
             /// <returns>x.</returns>
             /// <remarks>
@@ -602,11 +602,11 @@ namespace Orvanth.Core.Math
             /// <code>The x with RefinedMCbCDF(x, k, df, lambda, tail) = p, by Algorithm 748 on the logarithm of the
             /// smaller tail.</code>
             /// <para>Edges</para>
-            /// <para>An infinite quantile is a failure.</para>
+            /// <para>A quantile above 1e307 is a failure.</para>
             /// <para>Failure</para>
-            /// <para>A quiet NaN and a status. Domain: df &lt;= 0 or NaN, p outside [0, 1], k below 2 or above 46341,
-            /// |lambda[j]| &gt;= 1 for a j below k - 1. Overflow: p = 1, with a set tail p = 0; p = 0, with a set tail
-            /// p = 1. Argument: k &lt; 0, lambda null. Memory: no memory for k doubles.</para>
+            /// <para>A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+            /// |lambda[j]| &gt; 0.9999 for a j below k - 1. Overflow: p = 1, with a set tail p = 0; p = 0, with a set
+            /// tail p = 1. Argument: k &lt; 0, lambda null. Memory: no memory for k doubles.</para>
             /// <para>Memory</para>
             /// <para>k doubles during the call.</para>
             /// <para>Accuracy</para>
@@ -624,15 +624,15 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeRefinedMCbICDF(p, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
             /// <summary>Refined quantile of the largest one-sided comparison with one group (Hsu). Over arrays; an element that fails does not end the loop.</summary>
             /// <param name="p">probability in (0, 1)</param>
             /// <param name="k">number of groups, 2 to 46341</param>
-            /// <param name="df">degrees of freedom, greater than 0; infinity is a known scale</param>
-            /// <param name="lambda">k coefficients in (-1, 1); the first k - 1 count</param>
+            /// <param name="df">degrees of freedom, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first k - 1 count</param>
             /// <param name="tail">zero in its low byte: P(X &lt;= x) = p; otherwise P(X &gt; x) = p</param>
             /// <param name="result">Gets the results; its length is the number of elements.</param>
             /// <returns>How many elements failed, the first of them and its text.</returns>
@@ -658,8 +658,8 @@ namespace Orvanth.Core.Math
             /// <summary>Refined cumulative probability of the largest two-sided comparison with a control (Dunnett).</summary>
             /// <param name="x">the statistic on the scale of t; any double but NaN</param>
             /// <param name="k">number of groups, 1 to 46341</param>
-            /// <param name="df">degrees of freedom of the scale, greater than 0; infinity is a known scale</param>
-            /// <param name="lambda">k coefficients in (-1, 1); the first k - 1 count</param>
+            /// <param name="df">degrees of freedom of the scale, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first k - 1 count</param>
             /// <param name="tail">zero in its low byte: P(X &lt;= x); otherwise P(X &gt; x), computed as a tail</param>
             /// <returns>the probability.</returns>
             /// <remarks>
@@ -670,8 +670,8 @@ namespace Orvanth.Core.Math
             /// <para>Edges</para>
             /// <para>x of 0 and below: 0. x = infinity: 1. k = 1: 1.</para>
             /// <para>Failure</para>
-            /// <para>A quiet NaN and a status. Domain: df &lt;= 0 or NaN, x a NaN, k of 0 or above 46341, |lambda[j]| &gt;= 1
-            /// for a j below k - 1. Argument: k &lt; 0, lambda null. Memory: no memory for k doubles.</para>
+            /// <para>A quiet NaN and a status. Domain: df below 0.001 or NaN, x a NaN, k = 0, k &gt; 46341, |lambda[j]| &gt;
+            /// 0.9999 for a j below k - 1. Argument: k &lt; 0, lambda null. Memory: no memory for k doubles.</para>
             /// <para>Memory</para>
             /// <para>k doubles during the call.</para>
             /// <para>Accuracy</para>
@@ -689,15 +689,15 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeRefinedMCcCDF(x, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
             /// <summary>Refined cumulative probability of the largest two-sided comparison with a control (Dunnett). Over arrays; an element that fails does not end the loop.</summary>
             /// <param name="x">the statistic on the scale of t; any double but NaN</param>
             /// <param name="k">number of groups, 1 to 46341</param>
-            /// <param name="df">degrees of freedom of the scale, greater than 0; infinity is a known scale</param>
-            /// <param name="lambda">k coefficients in (-1, 1); the first k - 1 count</param>
+            /// <param name="df">degrees of freedom of the scale, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first k - 1 count</param>
             /// <param name="tail">zero in its low byte: P(X &lt;= x); otherwise P(X &gt; x), computed as a tail</param>
             /// <param name="result">Gets the results; its length is the number of elements.</param>
             /// <returns>How many elements failed, the first of them and its text.</returns>
@@ -716,8 +716,8 @@ namespace Orvanth.Core.Math
             /// <summary>Refined quantile of the largest two-sided comparison with a control (Dunnett).</summary>
             /// <param name="p">probability in (0, 1); 0 of the lower tail has a value</param>
             /// <param name="k">number of groups, 2 to 46341</param>
-            /// <param name="df">degrees of freedom, greater than 0; infinity is a known scale</param>
-            /// <param name="lambda">k coefficients in (-1, 1); the first k - 1 count</param>
+            /// <param name="df">degrees of freedom, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first k - 1 count</param>
             /// <param name="tail">zero in its low byte: P(X &lt;= x) = p; otherwise P(X &gt; x) = p</param>
             /// <returns>x.</returns>
             /// <remarks>
@@ -725,10 +725,10 @@ namespace Orvanth.Core.Math
             /// <code>The x with RefinedMCcCDF(x, k, df, lambda, tail) = p, by Algorithm 748 on the logarithm of the
             /// smaller tail.</code>
             /// <para>Edges</para>
-            /// <para>p = 0, with a set tail p = 1: 0. An infinite quantile is a failure.</para>
+            /// <para>p = 0, with a set tail p = 1: 0. A quantile above 1e307 is a failure.</para>
             /// <para>Failure</para>
-            /// <para>A quiet NaN and a status. Domain: df &lt;= 0 or NaN, p outside [0, 1], k below 2 or above 46341,
-            /// |lambda[j]| &gt;= 1 for a j below k - 1. Overflow: p = 1, with a set tail p = 0. Argument: k &lt; 0,
+            /// <para>A quiet NaN and a status. Domain: df below 0.001 or NaN, p outside [0, 1], k below 2 or above 46341,
+            /// |lambda[j]| &gt; 0.9999 for a j below k - 1. Overflow: p = 1, with a set tail p = 0. Argument: k &lt; 0,
             /// lambda null. Memory: no memory for k doubles.</para>
             /// <para>Memory</para>
             /// <para>k doubles during the call.</para>
@@ -747,15 +747,15 @@ namespace Orvanth.Core.Math
                 if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
                 Guard.Length(lambda, k, "lambda");
                 double result = Native.SafeRefinedMCcICDF(p, k, df, lambda, (int)tail);
-                if (Native.LastStatus() != 0) Failure.Throw(result);
+                if (LastStatus.IsFailure) Failure.Throw(result);
                 return result;
             }
 
             /// <summary>Refined quantile of the largest two-sided comparison with a control (Dunnett). Over arrays; an element that fails does not end the loop.</summary>
             /// <param name="p">probability in (0, 1); 0 of the lower tail has a value</param>
             /// <param name="k">number of groups, 2 to 46341</param>
-            /// <param name="df">degrees of freedom, greater than 0; infinity is a known scale</param>
-            /// <param name="lambda">k coefficients in (-1, 1); the first k - 1 count</param>
+            /// <param name="df">degrees of freedom, at least 0.001; infinity is a known scale</param>
+            /// <param name="lambda">k coefficients in [-0.9999, 0.9999]; the first k - 1 count</param>
             /// <param name="tail">zero in its low byte: P(X &lt;= x) = p; otherwise P(X &gt; x) = p</param>
             /// <param name="result">Gets the results; its length is the number of elements.</param>
             /// <returns>How many elements failed, the first of them and its text.</returns>

@@ -17,6 +17,9 @@ namespace Orvanth.Core.Math
         internal static extern int LastStatus();
 
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
+        internal static extern int* LastStatusAddress();
+
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]
         internal static extern IntPtr LastErrorText();
 
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true)]

@@ -53,7 +53,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeFNCHypergeometricCDF(x, n, m, N, odds, (int)tail, accuracy);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -116,7 +116,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeFNCHypergeometricICDF(p, n, m, N, odds, (int)tail, accuracy);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -176,7 +176,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Native.SafeFNCHypergeometricMoments(n, m, N, odds, out mean, out variance);
-            if (Native.LastStatus() != 0) Failure.Throw(mean);
+            if (LastStatus.IsFailure) Failure.Throw(mean);
         }
 
         /// <summary>Mean and variance of Fisher's noncentral hypergeometric distribution, by summation. Over arrays; an element that fails does not end the loop.</summary>

@@ -35,7 +35,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGamma(x);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -78,7 +78,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaLn(x);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -124,7 +124,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaRegularized(a, x);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -168,7 +168,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaRegularizedC(a, x);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -194,7 +194,8 @@ namespace Orvanth.Core.Math
         /// <para>Formula</para>
         /// <code>x^(a-1) exp(-x) / Gamma(a)</code>
         /// <para>Edges</para>
-        /// <para>x = 0: 0 for a &gt; 1, 1 for a = 1, a failure for a &lt; 1. A NaN argument: NaN.</para>
+        /// <para>x = 0: 0 for a &gt; 1, 1 for a = 1, a failure for a &lt; 1. a or x = +infinity: 0, both: NaN.
+        /// A NaN argument: NaN.</para>
         /// <para>Failure of the C export</para>
         /// <para>Throws std::domain_error for a &lt;= 0 or x &lt; 0, with the texts of GammaRegularized;
         /// std::overflow_error, "Overflow Error", at x = 0 with a &lt; 1 and beyond the largest double.</para>
@@ -213,7 +214,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeGammaDerivative(a, x);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -258,7 +259,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeIncompleteGammaLower(a, x);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -302,7 +303,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeIncompleteGammaUpper(a, x);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -348,7 +349,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeInverseGammaRegularized(a, p);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -392,7 +393,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeInverseGammaRegularizedC(a, q);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -418,7 +419,7 @@ namespace Orvanth.Core.Math
         /// <para>Formula</para>
         /// <code>Gamma(a) Gamma(b) / Gamma(a + b)</code>
         /// <para>Edges</para>
-        /// <para>A NaN argument: NaN.</para>
+        /// <para>An infinite argument: 0. A NaN argument: NaN.</para>
         /// <para>Failure of the C export</para>
         /// <para>Throws std::domain_error for a &lt;= 0 and then for b &lt;= 0, "The arguments to the beta function must be
         /// greater than zero ..."; std::overflow_error, "numeric overflow", beyond the largest double.</para>
@@ -438,7 +439,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBeta(a, b);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -465,7 +466,8 @@ namespace Orvanth.Core.Math
         /// <para>Formula</para>
         /// <code>1/B(a, b) * integral of t^(a-1) (1-t)^(b-1) for t from 0 to x</code>
         /// <para>Edges</para>
-        /// <para>a = 0: 1. b = 0: 0. Both are answered before x is tested. x = 0: 0. x = 1: 1. A NaN argument: NaN.</para>
+        /// <para>a = 0: 1. b = 0: 0. Both are answered before x is tested. x = 0: 0. x = 1: 1. For x
+        /// between 0 and 1: a = infinity: 0. b = infinity: 1. Both infinite: NaN. A NaN argument: NaN.</para>
         /// <para>Failure of the C export</para>
         /// <para>Throws std::domain_error, with the tests in this order: a &lt; 0, "The argument a to the incomplete
         /// beta function must be &gt;= zero ..."; the same for b; a = b = 0, "The arguments a and b to the
@@ -488,7 +490,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaRegularized(a, b, x);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -517,7 +519,8 @@ namespace Orvanth.Core.Math
         /// <para>Formula</para>
         /// <code>1/B(a, b) * integral of t^(a-1) (1-t)^(b-1) for t from x to 1</code>
         /// <para>Edges</para>
-        /// <para>a = 0: 0. b = 0: 1. Both are answered before x is tested. x = 0: 1. x = 1: 0. A NaN argument: NaN.</para>
+        /// <para>a = 0: 0. b = 0: 1. Both are answered before x is tested. x = 0: 1. x = 1: 0. For x
+        /// between 0 and 1: a = infinity: 1. b = infinity: 0. Both infinite: NaN. A NaN argument: NaN.</para>
         /// <para>Failure of the C export</para>
         /// <para>As BetaRegularized.</para>
         /// <para>Memory</para>
@@ -535,7 +538,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaRegularizedC(a, b, x);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -565,7 +568,7 @@ namespace Orvanth.Core.Math
         /// <code>x^(a-1) (1-x)^(b-1) / B(a, b)</code>
         /// <para>Edges</para>
         /// <para>x = 0: 0 for a &gt; 1, b for a = 1, +infinity with errno 34 for a &lt; 1. x = 1: the same with a and b
-        /// exchanged. A NaN argument: NaN.</para>
+        /// exchanged. Between them: 0 for an infinite a or b, NaN if both are. A NaN argument: NaN.</para>
         /// <para>Failure of the C export</para>
         /// <para>Silent. a &lt;= 0, b &lt;= 0 or x outside [0, 1]: errno 33 and the calculation goes on, commonly to NaN;
         /// a later overflow gives +infinity and errno 34. A result beyond the largest double: +infinity, errno
@@ -585,7 +588,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeBetaDerivative(a, b, x);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -635,7 +638,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeInverseBetaRegularized(a, b, p);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -684,7 +687,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Native.SafeInverseBetaRegularized2(a, b, p, out result, out complement);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
         }
 
         /// <summary>The inverse of BetaRegularized by x, with 1 - x beside x. Over arrays; an element that fails does not end the loop.</summary>
@@ -732,7 +735,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeInverseBetaRegularizedC(a, b, q);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -780,7 +783,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             Native.SafeInverseBetaRegularizedC2(a, b, q, out result, out complement);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
         }
 
         /// <summary>The inverse of BetaRegularizedC by x, with 1 - x beside x. Over arrays; an element that fails does not end the loop.</summary>
@@ -826,7 +829,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeErf(x);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -867,7 +870,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeErfC(x);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -908,7 +911,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeInverseErf(p);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -949,7 +952,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeInverseErfC(z);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 
@@ -993,7 +996,7 @@ namespace Orvanth.Core.Math
         {
             if (!NativeLibraryFinder.IsLoaded) NativeLibraryFinder.Throw();
             double result = Native.SafeLogXplus1(x);
-            if (Native.LastStatus() != 0) Failure.Throw(result);
+            if (LastStatus.IsFailure) Failure.Throw(result);
             return result;
         }
 

@@ -76,6 +76,9 @@ def samples(arguments, axis, nan_policy, names, test, needed=2):
     if len(given) == 1:
         given, found, axis = _items(given[0], axis)
     if len(given) < needed:
+        if given and np.ndim(given[0]) > 1:
+            raise ValueError(f"{test} was given one array of shape {np.shape(given[0])}; give each group as an argument of "
+                             f"its own, as in {test}(*array)")
         raise ValueError(f"{test} compares groups: at least {needed} samples are needed, not {len(given)}")
     names = _names(given, names if names is not None else found)
     values = [observations(g, axis, nan_policy, f"sample {n}") for g, n in zip(given, names)]

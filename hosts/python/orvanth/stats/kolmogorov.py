@@ -5,6 +5,7 @@ import numpy as np
 
 from .. import _ufuncs, functions
 from ._axis import observations
+from ._dask import takes_dask
 from ._results import ConfidenceInterval, first, heading, percent, single_data_set, table
 
 __all__ = ["KstestResult", "ks_1samp"]
@@ -98,6 +99,7 @@ def _distribution(cdf, args):
     return lambda x: named(x, *args)
 
 
+@takes_dask({"x": 1})
 def ks_1samp(x, cdf, args=(), alternative="two-sided", method="exact", axis=-1, nan_policy="propagate"):
     """Kolmogorov's test of samples against a continuous distribution that is fixed beforehand.
 

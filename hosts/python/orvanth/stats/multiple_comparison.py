@@ -5,6 +5,7 @@ import numpy as np
 
 from . import _laws as laws
 from ._axis import samples as gather
+from ._dask import takes_dask
 from ._results import ConfidenceInterval, first, heading, percent, single_data_set, table
 
 __all__ = ["DunnettResult", "HsuMCBResult", "TukeyHSDResult", "dunnett", "hsu_mcb", "tukey_hsd"]
@@ -85,7 +86,7 @@ def hsu_bounds(difference, error, points):
     # Only groups that may be the best bound the others from below, each with its own point.
     rival = (upper > 0)[..., None, :] & ~itself
     lower = np.where(rival, difference - points[..., None, :] * error, np.inf).min(axis=-1)
-    lower = np.where(rival.any(axis=-1), np.minimum(lower, 0.0), 0.0)
+    lower = np.minimum(lower, 0.0)
     missing = np.isnan(points).any(axis=-1, keepdims=True) | np.isnan(difference).any(axis=(-1, -2))[..., None]
     return np.where(missing, np.nan, lower), np.where(missing, np.nan, upper)
 
@@ -143,6 +144,7 @@ class TukeyHSDResult:
         return plots.intervals(ax, rows, f"all pairs, simultaneous {percent(level)} intervals", "difference of means")
 
 
+@takes_dask({"samples": 1})
 def tukey_hsd(*samples, axis=-1, nan_policy="propagate", confidence_level=0.95, names=None):
     """Tukey's test of all pairs of means, with simultaneous intervals.
 
@@ -167,8 +169,8 @@ def tukey_hsd(*samples, axis=-1, nan_policy="propagate", confidence_level=0.95, 
     whose intervals are a little too wide (Hayter 1984). A group may have a single observation. A data set that "omit"
     leaves with an empty group, or without a degree of freedom, gives NaN.
 
-    With several data sets, p-values come from polynomials through the exact law, within 1e-10 of it. They depend on
-    the data set alone, however many others there are.
+    With several data sets, p-values come from polynomials through the law, within 1e-11 of it for ten groups and 1e-9
+    for a hundred. They depend on the data set alone, however many others there are.
 
     References
     ----------
@@ -266,6 +268,7 @@ class DunnettResult:
                                "difference from the control")
 
 
+@takes_dask({"samples": 1, "control": 1})
 def dunnett(*samples, control, alternative="two-sided", axis=-1, nan_policy="propagate", confidence_level=0.95,
             names=None):
     """Dunnett's test of several means against that of a control, with simultaneous intervals.
@@ -395,6 +398,7 @@ class HsuMCBResult:
                                    f"comparison with the best, {percent(level)}\nred: not the best")
 
 
+@takes_dask({"samples": 1})
 def hsu_mcb(*samples, best="largest", axis=-1, nan_policy="propagate", confidence_level=0.95, names=None):
     """Hsu's multiple comparisons with the best: each mean less the best of the others, with simultaneous intervals.
 

@@ -4,6 +4,7 @@ from dataclasses import dataclass
 import numpy as np
 
 from .. import _ufuncs
+from ._dask import takes_dask
 from ._discrete import check_alternative, check_level, counts, one_of
 from ._results import ConfidenceInterval, first, heading, percent, table
 
@@ -31,6 +32,7 @@ def binom_core(k, n, p, alternative):
                   k, np.zeros(np.shape(k)), n, np.clip(np.floor((n + 1) * p), 0, n))
 
 
+@takes_dask({"k": 0, "n": 0})
 def proportion_ci(k, n, confidence_level=0.95, alternative="two-sided"):
     """The exact interval of Clopper and Pearson for a proportion.
 
@@ -106,6 +108,7 @@ class BinomTestResult:
     __repr__ = __str__
 
 
+@takes_dask({"k": 0, "n": 0, "p": 0})
 def binom_test(k, n, p=0.5, alternative="two-sided"):
     """Exact test of a proportion. ``binomtest``, SciPy's name, is the same function.
 

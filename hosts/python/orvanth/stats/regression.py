@@ -5,6 +5,7 @@ import numpy as np
 
 from .. import _ufuncs, linalg
 from ._axis import check_policy
+from ._dask import takes_dask
 from ._discrete import check_level
 from ._results import ConfidenceInterval, percent, single_data_set, table
 
@@ -92,6 +93,7 @@ def _design(x, names, intercept):
     return design, names
 
 
+@takes_dask({"y": 1}, unless=("nan_policy", "omit"))
 def ols(x, y, names=None, intercept=True, axis=-1, nan_policy="propagate", tolerance=1e-9):
     """Least squares with standard errors, t, p and F; a redundant term is named.
 

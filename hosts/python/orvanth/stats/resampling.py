@@ -6,6 +6,7 @@ import numpy as np
 
 from .. import random
 from ._axis import observations
+from ._dask import takes_dask
 from ._discrete import check_level
 from ._results import ConfidenceInterval, percent, shown, single_data_set, table
 from .multiple_comparison import dunnett, tukey_hsd
@@ -69,6 +70,7 @@ def _interval(distribution, statistic, level, method):
     return ConfidenceInterval(low[()], high[()])
 
 
+@takes_dask({"data": 1})
 def bootstrap(data, statistic, *, n_resamples=9999, batch=None, vectorized=None, paired=False, axis=-1,
               confidence_level=0.95, method="percentile", seed=0, nan_policy="propagate"):
     """The bootstrap distribution of a statistic, with its interval and standard error.
@@ -162,7 +164,8 @@ def _takes_axis(statistic):
 def _vectorized(statistic, vectorized):
     """The statistic along the last axis."""
     if vectorized:
-        return lambda *samples: statistic(*samples, axis=-1)
+        # Rows are contiguous: the sum of a resample has the same bits beside any number of other data sets.
+        return lambda *samples: statistic(*map(np.ascontiguousarray, samples), axis=-1)
 
     def one_by_one(*samples):
         shape = np.broadcast_shapes(*(s.shape[:-1] for s in samples))

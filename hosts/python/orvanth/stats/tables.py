@@ -4,6 +4,7 @@ from dataclasses import dataclass
 import numpy as np
 
 from .. import _ufuncs
+from ._dask import takes_dask
 from ._discrete import check_alternative, check_level, counts, increasing_roots, one_of
 from ._results import ConfidenceInterval, first, heading, percent, table
 
@@ -114,6 +115,7 @@ def _margins(counted):
             counted.sum(axis=(-1, -2)))
 
 
+@takes_dask({"table": 2})
 def fisher_exact(table, alternative="two-sided"):
     """Fisher's exact test of 2 by 2 tables, with the conditional odds ratio and its exact interval.
 
@@ -183,6 +185,7 @@ class HypergeomTestResult:
     __repr__ = __str__
 
 
+@takes_dask({"k": 0, "M": 0, "n": 0, "N": 0})
 def hypergeom_test(k, M, n, N, alternative="two-sided"):
     """Exact test of the count of marked items in a sample without replacement, as in tests for enrichment.
 
