@@ -23,7 +23,8 @@ from signature_table import exports  # noqa: E402
 TITLES = {"instructions": "Instructions of one call", "peers-kolmogorov": "SciPy and R: Kolmogorov",
           "peers-linalg": "R and NumPy: least squares", "peers-multiple_comparison": "SciPy and Rmath: studentised range",
           "peers-random": "NumPy: random numbers", "peers-shield": "The cost of the shield",
-          "peers-dotnet": ".NET on Mono", "peers-stats": "SciPy and simulation: the tests of orvanth.stats"}
+          "peers-dotnet": ".NET on Mono", "peers-stats": "SciPy and simulation: the tests of orvanth.stats",
+          "peers-cluster": "Dask beside plain processes"}
 
 # Exports that are measured together with another.
 TOGETHER = {"DeleteRandomStream": "CreateRandomStream", "LBFGSBStart": "LBFGSBStep", "LBFGSBEnd": "LBFGSBStep"}

@@ -141,11 +141,9 @@ def main():
         for row, (statistic, k, name, level) in enumerate(generator.sample(cells, 20)):
             side = int(name == "upper")
             x = quantile(table, statistic, k, df, side, level)
-            # With few df and many groups the probability is a steep function of the scale.
-            step = mpf(1) / (32 if df < 3 else 16)
-            lower, upper = (probability(table, statistic, k, x, df, step, side) for side in (0, 1))
+            lower, upper = (probability(table, statistic, k, x, df, mpf(1) / 16, side) for side in (0, 1))
             if row < 2:
-                again = probability(table, statistic, k, x, df, step / 2, side)
+                again = probability(table, statistic, k, x, df, mpf(1) / 32, side)
                 worst = max(worst, abs(again / (lower, upper)[side] - 1))
             # There the table is too short (it ends at V = -10) or V^(k-1) is no polynomial of degree 21.
             if side == 0 and lower < 1e-5 and (statistic == "Hsu" or k >= 10):

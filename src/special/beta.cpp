@@ -18,6 +18,44 @@ namespace {
 
 constexpr const char* kParameterTests = "boost::math::ibeta<%1%>(%1%, %1%, %1%)";
 
+// From here on the power terms of Boost.Math, for two such parameters, have a relative error of 1e-9 and more.
+constexpr double kLargeParameters = 1e7;
+
+// x - ln(1 + x), for x > -1.
+double LogRemainder(double x) { return -boost::math::log1pmx(x, DefaultPolicy()); }
+
+// a (1 - x) - b x, which is near 0 about the mean, without the rounding errors of its products.
+double DistanceFromMean(double a, double b, double x) {
+    const double first = a * x, second = b * x;
+    const double lost = std::fma(a, x, -first) + std::fma(b, x, -second);
+    const double rest = a - first;
+    return rest - second + (a - rest - first - lost);
+}
+
+// x^a y^b / B(a, b) for two large parameters: the largest value by Stirling's series, of which the first term is
+// enough here, and the deviance from it (C. Loader, Fast and accurate computation of binomial probabilities, 2000).
+// Boost.Math forms the same from differences that have an error of a epsilon.
+double LargePowerTerms(double a, double b, double x) {
+    const double distance = DistanceFromMean(a, b, x);
+    const double first = -distance / a, second = distance / b;
+    if (std::fmax(std::fabs(first), std::fabs(second)) > 0.5) return 0;  // the deviance is a million or more
+    const double deviance = a * LogRemainder(first) + b * LogRemainder(second);
+    const double correction = (1 / (a + b) - 1 / a - 1 / b) / 12;
+    return std::sqrt(std::fmin(a, b) / (2 * std::numbers::pi)) / std::sqrt(1 + std::fmin(a, b) / std::fmax(a, b)) *
+           std::exp(correction - deviance);
+}
+
+// I_x(a, b) for two large parameters. Boost.Math forms the tail on the side of x as its power terms times a fraction;
+// the power terms are exchanged.
+double LargeRegularized(double a, double b, double x, double y, bool upperIsFormed, bool complement) {
+    const double terms = upperIsFormed ? BetaPowerTerms(b, a, y, x) : BetaPowerTerms(a, b, x, y);
+    if (!(terms > 0)) return upperIsFormed != complement ? 1 : 0;
+    const double formed =
+        upperIsFormed ? boost::math::ibetac(a, b, x, DefaultPolicy()) : boost::math::ibeta(a, b, x, DefaultPolicy());
+    const double tail = formed * (LargePowerTerms(a, b, x) / terms);
+    return upperIsFormed == complement ? tail : 1 - tail;
+}
+
 // I_x(a, b) for whole a and b as the lower tail of a binomial distribution of a + b - 1 trials with the success
 // fraction y = 1 - x, summed from its last and largest term down.
 double BinomialSum(double a, double b, double x, double y) {
@@ -39,8 +77,6 @@ bool IsBinomialSumLost(double a, double b, double x) {
 constexpr double kTinyParameter = 1e-300;
 constexpr double kTinyParameters = 1e-100;
 
-// From here on the power terms of Boost.Math, for two such parameters, have a relative error of 1e-9 and more.
-constexpr double kLargeParameters = 1e7;
 constexpr double kHugeParameter = 1e300;
 
 double GeneralRegularized(double a, double b, double x, bool complement);
@@ -61,6 +97,7 @@ double GeneralRegularized(double a, double b, double x, bool complement) {
     const double y = 1 - x;
     // The side of the mean on which the tail is the smaller one.
     const bool swap = a < b ? a - (a + b) * x < 0 : (a + b) * y - b < 0;
+    if (std::fmin(a, b) > kLargeParameters) return LargeRegularized(a, b, x, y, swap, complement);
     if (!swap && IsBinomialSumLost(a, b, x)) {
         const double tail = BinomialSum(a, b, x, y);
         return complement ? 1 - tail : tail;
@@ -114,30 +151,6 @@ double DensityAtEnd(const char* function, double exponent, double other) {
 // overflow; with a broken exponent the power itself is a NaN.
 double DensityOutside(const char* function, double exponent) {
     return std::floor(exponent) == exponent && !std::isinf(exponent) ? RaiseOverflow(function) : kNaN;
-}
-
-// x - ln(1 + x), for x > -1.
-double LogRemainder(double x) { return -boost::math::log1pmx(x, DefaultPolicy()); }
-
-// a (1 - x) - b x, which is near 0 about the mean, without the rounding errors of its products.
-double DistanceFromMean(double a, double b, double x) {
-    const double first = a * x, second = b * x;
-    const double lost = std::fma(a, x, -first) + std::fma(b, x, -second);
-    const double rest = a - first;
-    return rest - second + (a - rest - first - lost);
-}
-
-// x^a y^b / B(a, b) for two large parameters: the largest value by Stirling's series, of which the first term is
-// enough here, and the deviance from it (C. Loader, Fast and accurate computation of binomial probabilities, 2000).
-// Boost.Math forms the same from differences that have an error of a epsilon.
-double LargePowerTerms(double a, double b, double x) {
-    const double distance = DistanceFromMean(a, b, x);
-    const double first = -distance / a, second = distance / b;
-    if (std::fmax(std::fabs(first), std::fabs(second)) > 0.5) return 0;  // the deviance is a million or more
-    const double deviance = a * LogRemainder(first) + b * LogRemainder(second);
-    const double correction = (1 / (a + b) - 1 / a - 1 / b) / 12;
-    return std::sqrt(std::fmin(a, b) / (2 * std::numbers::pi)) / std::sqrt(1 + std::fmin(a, b) / std::fmax(a, b)) *
-           std::exp(correction - deviance);
 }
 
 // The density where one parameter is so small that 1/B(a, b) = a b / (a + b) to all digits.

@@ -1,3 +1,4 @@
+#include <numbers>
 #include "linalg/matrices.hpp"
 #include "support/heap.hpp"
 
@@ -74,7 +75,7 @@ TEST(EigenSymmetric, FindsTheEigenvaluesOfAKnownMatrix) {
     FillBy(a, [](int i, int j) { return i == j ? 2.0 : i == j + 1 ? -1.0 : 0.0; });
     const Result r = Solve(a, false);
     for (int k = 1; k <= n; ++k)
-        EXPECT_NEAR(r.w[static_cast<std::size_t>(k - 1)], 2 - 2 * std::cos(k * M_PI / (n + 1)), 1e-14);
+        EXPECT_NEAR(r.w[static_cast<std::size_t>(k - 1)], 2 - 2 * std::cos(k * std::numbers::pi / (n + 1)), 1e-14);
 }
 
 TEST(EigenSymmetric, RowsFieldAndOffsetAreNotRead) {
