@@ -25,6 +25,7 @@ def counts(core, k, probability, distribution, variants, name):
         left.vlines(k + shift, 0, values, color=COLOURS[i], linewidth=1)
         left.plot(k + shift, values, MARKERS[i], markersize=4, label=title)
         right.step(k, cumulative, LINES[i], where="post")
+    left.set_ylim(top=1.45 * max(max(values) for values in variants[1]))  # room for the legend
     label(left, probability, name, "P(X = k)", legend=True)
     label(right, distribution, name, "P(X \u2264 k)")
     return figure
