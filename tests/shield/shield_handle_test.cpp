@@ -33,7 +33,7 @@ TEST(ShieldStream, MisuseIsAStatus) {
     ExpectRefused(SafeRandomUniformInteger(stream, nullptr, 4), -3, ORVANTH_STATUS_ARGUMENT, "values is null");
     EXPECT_EQ(SafeRandomUniformInteger(stream, nullptr, 0), 0);
     // The same place and kind with a generation that was not reached: a number that was never a handle.
-    const RandomStreamHandle later = stream + (RandomStreamHandle{1} << 40);
+    const RandomStreamHandle later = stream + (RandomStreamHandle{1} << 30);
     ExpectRefused(SafeDeleteRandomStream(later), -1006, ORVANTH_STATUS_HANDLE, "no handle");
     EXPECT_EQ(SafeDeleteRandomStream(stream), 0);
     ExpectRefused(SafeDeleteRandomStream(stream), -1006, ORVANTH_STATUS_HANDLE, "deleted before");
