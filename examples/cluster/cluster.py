@@ -28,6 +28,7 @@ import numpy as np
 from distributed import Client, futures_of
 from distributed.diagnostics.progressbar import TextProgressBar
 
+import orvanth
 from orvanth import random, stats
 
 SEED = 20261121
@@ -90,7 +91,8 @@ def of_block(function, block_id=None):
 @contextlib.contextmanager
 def cluster():
     """A scheduler and workers, each a process of its own, on free ports of this machine alone."""
-    environment = dict(os.environ, OPENBLAS_NUM_THREADS="1", OMP_NUM_THREADS="1")
+    package = os.path.dirname(os.path.dirname(os.path.abspath(orvanth.__file__)))  # the workers run in another folder
+    environment = dict(os.environ, OPENBLAS_NUM_THREADS="1", OMP_NUM_THREADS="1", PYTHONPATH=package)
     with tempfile.TemporaryDirectory() as folder, contextlib.ExitStack() as stack:
         address = os.path.join(folder, "scheduler.json")
 
