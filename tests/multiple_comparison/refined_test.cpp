@@ -199,7 +199,8 @@ TEST(Refined, AllPairsWithAnotherCoefficientFollowTheFormula) {
         for (const double df : {8.0, 1e9}) {
             const std::vector<double> one{lambda};
             const double lower = RefinedTukeyCDF(2.5, 4, df, one, false);
-            EXPECT_NEAR(lower, MCaCDF(2.5, 4, df, &lambda, 0), 1e-6) << lambda << " df " << df;
+            const std::array<double, 4> all = {lambda, lambda, lambda, lambda};
+            EXPECT_NEAR(lower, MCaCDF(2.5, 4, df, all.data(), 0), 1e-6) << lambda << " df " << df;
             EXPECT_EQ(RefinedTukeyCDF(2.5, 4, df, one, true), 1.0 - lower);
         }
     const std::vector<double> flat{0.5};
