@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <cstdint>
 
 #include <boost/math/special_functions/factorials.hpp>
@@ -27,6 +26,9 @@ SplitNumber SplitFactorial(std::int64_t k) {
     return {std::bit_cast<double>((bits & kDigits) | kOne), static_cast<int>(bits >> 52) - 1023};
 }
 
+// 2^exponent, for the exponent of a normal number.
+double PowerOfTwo(int exponent) { return std::bit_cast<double>(static_cast<std::uint64_t>(exponent + 1023) << 52); }
+
 }  // namespace
 
 double ProbabilityByFactorials(std::int64_t x, const HypergeometricCounts& c) {
@@ -43,7 +45,7 @@ double ProbabilityByFactorials(std::int64_t x, const HypergeometricCounts& c) {
         below *= factorial.digits;
         exponent -= factorial.exponent;
     }
-    return std::ldexp(above / below, exponent);
+    return above / below * PowerOfTwo(exponent);  // a probability of at least 1e-51
 }
 
 double HypergeometricProbability(std::int64_t x, const HypergeometricCounts& c) {
