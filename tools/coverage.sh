@@ -17,4 +17,4 @@ if [ "${1:-}" != --judge ]; then
     OPENBLAS_NUM_THREADS=1 ctest --preset coverage -j "$(nproc)" -R '_test$'
 fi
 
-/usr/bin/python3 tests/coverage/judge.py build/coverage/src
+/usr/bin/python3 tests/coverage/judge.py build/coverage
