@@ -54,6 +54,15 @@ TEST(Beta, OverflowIsReportedByTheNarrowingCheck) {
               "Error in function boost::math::beta<double>(double,double): numeric overflow");
 }
 
+TEST(Beta, VanishesAtInfinity) {
+    for (double a : {0.3, 1.0, 60.0, kInfinity})
+        for (const auto& call : {CallWithErrno(0, [=] { return Beta(a, kInfinity); }),
+                                 CallWithErrno(0, [=] { return Beta(kInfinity, a); })}) {
+            EXPECT_EQ(call.value, 0);
+            EXPECT_EQ(call.errnoAfter, 0);
+        }
+}
+
 TEST(BetaDerivative, AtTheEnds) {
     EXPECT_DOUBLE_EQ(BetaDerivative(1, 3, 0), 3);
     EXPECT_EQ(BetaDerivative(2, 3, 0), 0);
