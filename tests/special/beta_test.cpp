@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <limits>
 #include <random>
 #include <stdexcept>
 
@@ -110,6 +111,16 @@ TEST(InverseBeta, TheComplementKeepsItsDigitsNearOne) {
     EXPECT_NEAR(BetaRegularized(0.5, 5, y) / 1e-5, 1, 1e-9);
 }
 
+TEST(InverseBeta, ATinyBesideAHugeParameterPutsTheMassAtAnEnd) {
+    double x = 7, complement = 7;
+    InverseBetaRegularized2(1e-13, 1e13, 0.3, &x, &complement);
+    EXPECT_EQ(x, 0);
+    EXPECT_EQ(complement, 1);
+    InverseBetaRegularized2(1e13, 1e-13, 0.3, &x, &complement);
+    EXPECT_EQ(x, 1);
+    EXPECT_EQ(complement, 0);
+}
+
 TEST(InverseBeta, TinyProbabilitiesDoNotThrow) {
     for (double p : {1e-51, 1e-100, 1e-300, 5e-324})
         for (double a : {0.3, 0.9, 2.0, 9.0, 300.0, 1e5})
@@ -172,6 +183,14 @@ TEST(Beta, OneInfiniteParameterPutsTheMassAtAnEnd) {
             EXPECT_EQ(BetaRegularizedC(other, kInfinity, x), 0) << other;
         }
     EXPECT_TRUE(std::isnan(BetaRegularized(kInfinity, kInfinity, 0.5)));
+}
+
+// x^(a + 1) loses its digits below the normal range, where I = x^a (1 + a (1 - x)) for b = 2 still has some.
+TEST(Beta, TailsOfWholeParametersWhereAPowerUnderflows) {
+    const double twoUnits = 2 * std::numeric_limits<double>::denorm_min();
+    EXPECT_NEAR(BetaRegularized(1000, 2, 123.0 / 256), 2.4076476780770738e-316, twoUnits);
+    EXPECT_NEAR(BetaRegularized(1000, 2, 245.0 / 512), 4.1133597681753208e-318, twoUnits);
+    EXPECT_NEAR(BetaRegularizedC(2, 1000, 67.0 / 128), 6.9112897588008e-320, twoUnits);
 }
 
 TEST(Beta, AgreesWithFiftyDigits) {
