@@ -185,6 +185,17 @@ TEST(Beta, OneInfiniteParameterPutsTheMassAtAnEnd) {
     EXPECT_TRUE(std::isnan(BetaRegularized(kInfinity, kInfinity, 0.5)));
 }
 
+// Both tails of two small parameters are their ratio to all digits; 1 / (a b) overflows for some of these.
+TEST(Beta, TailsOfTwoSmallParameters) {
+    for (double a : {1e-307, 1e-291, 1e-279, 1e-190, 1e-101, 1e-30})
+        for (double b : {1e-307, 1e-291, 1e-100, 1e-60, 1e-21, 1e-19, 1e-18})
+            for (double x : {0.25, 0.999}) {
+                EXPECT_NEAR(BetaRegularized(a, b, x) * (1 + a / b), 1, 1e-14) << a << " " << b;
+                EXPECT_NEAR(BetaRegularizedC(a, b, x) * (1 + b / a), 1, 1e-14) << a << " " << b;
+                EXPECT_NEAR(BetaRegularizedC(b, a, x) * (1 + a / b), 1, 1e-14) << a << " " << b;
+            }
+}
+
 // x^(a + 1) loses its digits below the normal range, where I = x^a (1 + a (1 - x)) for b = 2 still has some.
 TEST(Beta, TailsOfWholeParametersWhereAPowerUnderflows) {
     const double twoUnits = 2 * std::numeric_limits<double>::denorm_min();
