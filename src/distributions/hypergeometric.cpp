@@ -37,11 +37,10 @@ HypergeometricCounts MakeCounts(double r, double n, double N) {
 
 std::int32_t TruncateVariate(double x) {
     constexpr const char* message = "Value %1% can not be represented in the target integer type.";
-    if (!std::isfinite(x)) RaiseRounding("boost::math::trunc<%1%>(%1%)", message, x);
-    const double whole = std::trunc(x);
-    if (whole < std::numeric_limits<std::int32_t>::min() || whole > std::numeric_limits<std::int32_t>::max())
-        RaiseRounding("boost::math::itrunc<%1%>(%1%)", message, x, "int");
-    return static_cast<std::int32_t>(whole);
+    if (x > std::numeric_limits<std::int32_t>::min() - 1.0 && x < std::numeric_limits<std::int32_t>::max() + 1.0)
+        return static_cast<std::int32_t>(x);
+    if (std::isfinite(x)) RaiseRounding("boost::math::itrunc<%1%>(%1%)", message, x, "int");
+    RaiseRounding("boost::math::trunc<%1%>(%1%)", message, x);
 }
 
 std::int64_t MakeVariate(const char* function, double x, const HypergeometricCounts& counts) {

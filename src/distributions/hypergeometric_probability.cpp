@@ -1,5 +1,4 @@
 #include <bit>
-#include <cmath>
 #include <cstdint>
 
 #include <boost/math/special_functions/factorials.hpp>
@@ -26,6 +25,9 @@ SplitNumber SplitFactorial(std::int64_t k) {
     return {std::bit_cast<double>((bits & kDigits) | kOne), static_cast<int>(bits >> 52) - 1023};
 }
 
+// 2^exponent, for the exponent of a normal number.
+double PowerOfTwo(int exponent) { return std::bit_cast<double>(static_cast<std::uint64_t>(exponent + 1023) << 52); }
+
 }  // namespace
 
 double ProbabilityByFactorials(std::int64_t x, const HypergeometricCounts& c) {
@@ -42,7 +44,7 @@ double ProbabilityByFactorials(std::int64_t x, const HypergeometricCounts& c) {
         below *= factorial.digits;
         exponent -= factorial.exponent;
     }
-    return std::ldexp(above / below, exponent);
+    return above / below * PowerOfTwo(exponent);  // a probability of at least 1e-51
 }
 
 double HypergeometricProbability(std::int64_t x, const HypergeometricCounts& c) {

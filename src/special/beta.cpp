@@ -1,6 +1,8 @@
 #include "special/beta.hpp"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 
 #include <boost/math/special_functions/beta.hpp>
@@ -11,6 +13,7 @@
 #include "orvanth/special.h"
 #include "special/beta_inverse.hpp"
 #include "special/beta_limits.hpp"
+#include "special/beta_parts.hpp"
 
 namespace orvanth {
 
@@ -41,7 +44,7 @@ double LargePowerTerms(double a, double b, double x) {
     if (std::fmax(std::fabs(first), std::fabs(second)) > 0.5) return 0;  // the deviance is a million or more
     const double deviance = a * LogRemainder(first) + b * LogRemainder(second);
     const double correction = (1 / (a + b) - 1 / a - 1 / b) / 12;
-    return std::sqrt(std::fmin(a, b) / (2 * std::numbers::pi)) / std::sqrt(1 + std::fmin(a, b) / std::fmax(a, b)) *
+    return std::sqrt(std::min(a, b) / (2 * std::numbers::pi)) / std::sqrt(1 + std::min(a, b) / std::max(a, b)) *
            std::exp(correction - deviance);
 }
 
@@ -69,7 +72,8 @@ double BinomialSum(double a, double b, double x, double y) {
 // underflows they are 0, or NaN if the binomial coefficient overflows.
 bool IsBinomialSumLost(double a, double b, double x) {
     constexpr double kMostTerms = 40;
-    return b < kMostTerms && a > 1 && b > 1 && std::floor(a) == a && std::floor(b) == b && x > 0 &&
+    if (!(b < kMostTerms && a > 1 && b > 1 && x > 0) || IsPowerInRange(x, a + 1)) return false;
+    return std::floor(a) == a && std::floor(b) == b &&
            (a + 1) * std::log(x) < std::log(std::numeric_limits<double>::min());
 }
 
@@ -77,7 +81,7 @@ bool IsBinomialSumLost(double a, double b, double x) {
 constexpr double kTinyParameter = 1e-280;
 constexpr double kTinyParameters = 1e-20;
 
-bool AreTiny(double a, double b) { return std::fmin(a, b) < kTinyParameter || std::fmax(a, b) < kTinyParameters; }
+bool AreTiny(double a, double b) { return std::min(a, b) < kTinyParameter || std::max(a, b) < kTinyParameters; }
 
 constexpr double kHugeParameter = 1e300;
 
@@ -86,10 +90,10 @@ double GeneralRegularized(double a, double b, double x, bool complement);
 // For tiny parameters. The ratio of two of them decides alone; beside a larger b, 1 - I is proportional to a, and
 // beside a larger a, I is to b.
 double TinyRegularized(double a, double b, double x, bool complement) {
-    if (std::fmax(a, b) < kTinyParameters) return 1 / (1 + (complement ? b / a : a / b));
+    if (std::max(a, b) < kTinyParameters) return 1 / (1 + (complement ? b / a : a / b));
     if ((a < b) != complement) return 1;
-    const double side = GeneralRegularized(std::fmax(a, kTinyParameter), std::fmax(b, kTinyParameter), x, complement);
-    return std::fmin(a, b) / kTinyParameter * side;
+    const double side = GeneralRegularized(std::max(a, kTinyParameter), std::max(b, kTinyParameter), x, complement);
+    return std::min(a, b) / kTinyParameter * side;
 }
 
 // For x in (0, 1) and positive a and b.
@@ -98,7 +102,7 @@ double GeneralRegularized(double a, double b, double x, bool complement) {
     const double y = 1 - x;
     // The side of the mean on which the tail is the smaller one.
     const bool swap = a < b ? a - (a + b) * x < 0 : (a + b) * y - b < 0;
-    if (std::fmin(a, b) > kLargeParameters) return LargeRegularized(a, b, x, y, swap, complement);
+    if (std::min(a, b) > kLargeParameters) return LargeRegularized(a, b, x, y, swap, complement);
     if (!swap && IsBinomialSumLost(a, b, x)) {
         const double tail = BinomialSum(a, b, x, y);
         return complement ? 1 - tail : tail;
@@ -156,7 +160,7 @@ double DensityOutside(const char* function, double exponent) {
 
 // The density of tiny parameters, of which 1/B(a, b) = a b / (a + b) to all digits.
 double TinyParameterDensity(double a, double b, double x) {
-    const double smaller = std::fmin(a, b), larger = std::fmax(a, b), scale = smaller / (1 + smaller / larger);
+    const double smaller = std::min(a, b), larger = std::max(a, b), scale = smaller / (1 + smaller / larger);
     const double first = std::pow(x, a) / x, second = std::pow(1 - x, b) / (1 - x);
     // For a subnormal x the first factor may overflow and the product not.
     return std::isinf(first) ? scale / x * std::pow(x, a) * second : scale * first * second;
@@ -167,8 +171,8 @@ double TinyParameterDensity(double a, double b, double x) {
 double DensityInside(const char* function, double a, double b, double x) {
     const double y = 1 - x;
     if (AreTiny(a, b)) return TinyParameterDensity(a, b, x);
-    const double terms = std::fmin(a, b) > kLargeParameters ? LargePowerTerms(a, b, x) : BetaPowerTerms(a, b, x, y);
-    if (std::isnan(terms) && std::fmax(a, b) > kHugeParameter) return 0;  // a power overflows only far from the mean
+    const double terms = std::min(a, b) > kLargeParameters ? LargePowerTerms(a, b, x) : BetaPowerTerms(a, b, x, y);
+    if (std::isnan(terms) && std::max(a, b) > kHugeParameter) return 0;  // a power overflows only far from the mean
     if (terms == 0) return 0;
     if (terms > x * y * kLargest) return RaiseOverflow(function);
     return terms / (x * y);

@@ -17,16 +17,6 @@ namespace {
 using Lanczos = boost::math::lanczos::lanczos13m53;
 constexpr double kEpsilon = std::numeric_limits<double>::epsilon();
 
-// True if base^exponent is in range for certain: |ln base| is at most (|e| + 1) ln 2 for a normal number of binary
-// exponent e. Boost.Math takes two logarithms to know it exactly, and changes its method from 708 on.
-bool IsPowerInRange(double base, double exponent) {
-    constexpr double kSafeLogarithm = 700;
-    const auto biased = static_cast<std::int64_t>(std::bit_cast<std::uint64_t>(base) >> 52);  // with the sign
-    if (biased < 1 || biased > 2046) return false;
-    const auto e = static_cast<double>(biased - 1023);
-    return (std::fabs(e) + 1) * std::numbers::ln2 * std::fabs(exponent) < kSafeLogarithm;
-}
-
 // A parameter with the shift of the Lanczos approximation.
 double Shifted(double a) { return a + Lanczos::g() - 0.5; }
 
@@ -66,6 +56,14 @@ double PrefixOfGamma(double a, double x) {
 using Pair = double __attribute__((vector_size(16)));
 
 }  // namespace
+
+bool IsPowerInRange(double base, double exponent) {
+    constexpr double kSafeLogarithm = 700;
+    const auto biased = static_cast<std::int64_t>(std::bit_cast<std::uint64_t>(base) >> 52);  // with the sign
+    if (biased < 1 || biased > 2046) return false;
+    const auto e = static_cast<double>(biased - 1023);
+    return (std::fabs(e) + 1) * std::numbers::ln2 * std::fabs(exponent) < kSafeLogarithm;
+}
 
 std::optional<double> FastBetaPowerTerms(double a, double b, double x, double y, double factor) {
     const double as = Shifted(a), bs = Shifted(b), cs = Shifted(a + b);

@@ -9,6 +9,10 @@
 
 namespace orvanth {
 
+// True if base^exponent is in range for certain: |ln base| is at most (|e| + 1) ln 2 for a normal number of binary
+// exponent e. Boost.Math takes two logarithms to know it exactly, and changes its method from 708 on.
+bool IsPowerInRange(double base, double exponent);
+
 // factor x^a y^b / B(a, b) for y = 1 - x, unless one power is near 1 and the other far from it, or one may leave the
 // range of doubles.
 std::optional<double> FastBetaPowerTerms(double a, double b, double x, double y, double factor);
