@@ -110,6 +110,19 @@ TEST(ShieldEach, InnerArraysMayBeStridedAndMustBeLongEnough) {
     EXPECT_EQ(results[0], MCcCDF(2, 3, 12, reversed, 0));
 }
 
+// A step of 0 lets one element stand for an array of any length, also for one whose bytes cannot be counted.
+TEST(ShieldEach, AnInnerArrayBeyondTheAddressSpaceIsOutOfMemory) {
+    double x = 2, df = 12, lambda = 0.6, result = 0;
+    std::int64_t tail = 0, k = 3;
+    char* pointers[] = {At(x), At(k), At(df), At(lambda), At(tail), At(result)};
+    constexpr intptr_t kMoreBytesThanCanBeCounted = INTPTR_MAX / 4 + 1;
+    const intptr_t dimensions[] = {1, kMoreBytesThanCanBeCounted}, steps[] = {0, 0, 0, 0, 0, 0, 0};
+    EachReport report;
+    EachMCcCDF(pointers, dimensions, steps, &report);
+    EXPECT_TRUE(std::isnan(result));
+    EXPECT_EQ(report.status, ORVANTH_STATUS_MEMORY);
+}
+
 TEST(ShieldEach, EveryKindOfFailureIsOnRecord) {
     double p[] = {0, 0.5, 1.5}, mean = 0, sd = 1, results[3];
     std::int64_t tail = 0;
