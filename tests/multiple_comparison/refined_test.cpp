@@ -179,7 +179,10 @@ TEST(Refined, EndsOfTheRange) {
             EXPECT_EQ(family.cumulative(-1, 4, 10, lambda, true), 1.0);
         }
         for (const double bad : {0.0, 1.0, -0.1, kNaN})
-            EXPECT_TRUE(std::isnan(family.quantile(bad, 4, 10, lambda, false)));
+            for (const std::int32_t k : {2, 4})
+                for (const bool upper : {false, true})
+                    EXPECT_TRUE(std::isnan(family.quantile(bad, k, 10, lambda, upper)))
+                        << name << " p " << bad << " k " << k << (upper ? " upper" : "");
         for (const double df : {0.0, -1.0, kNaN}) {
             EXPECT_TRUE(std::isnan(family.cumulative(2, 4, df, lambda, false)));
             EXPECT_TRUE(std::isnan(family.quantile(0.9, 4, df, lambda, false)));

@@ -115,6 +115,12 @@ TEST(ShieldLinalg, WhatNobodyElseTestsIsTestedHere) {
     EXPECT_EQ(SafeOLS(a.data(), &square, b.data(), &column, x.data(), &flat, tau.data(), 1e-9), ORVANTH_REFUSED - 6);
     ExpectTold(ORVANTH_STATUS_ARGUMENT, "leadingDimension below the columns of a");
     EXPECT_EQ(a, (Matrix{1, 2, 3, 5})) << "nothing was touched";
+
+    // Where no coefficient is written, x needs no room for one.
+    const MatrixDescriptor noColumn{0, 2, 2, 0}, noRow{0, 1, 0, 2}, shortColumn{0, 2, 0, 1};
+    EXPECT_EQ(SafeOLS(a.data(), &square, b.data(), &noColumn, x.data(), &flat, tau.data(), 1e-9), 0);
+    EXPECT_EQ(SafeOLS(a.data(), &noRow, b.data(), &shortColumn, x.data(), &flat, tau.data(), 1e-9), 0);
+    EXPECT_EQ(x, (Matrix{7, 7}));
 }
 
 }  // namespace
