@@ -84,9 +84,10 @@ int RefusedPointer(const Facts& facts, std::span<const Seen> arguments) noexcept
 // The number of the argument that is refused, from 1, or 0.
 template <auto Function, const Facts& facts, class... Arguments>
 inline int Refuse(Arguments... arguments) noexcept {
-    // Nearly every call passes here: no pointer is null and no integer negative.
+    // In nearly every call no pointer is null and no integer negative. One condition: a call has no branch for each
+    // argument.
     if constexpr ((std::is_pointer_v<Arguments> || ...)) {
-        if ((MayBeRefused(arguments) || ...)) [[unlikely]] {
+        if ((int{MayBeRefused(arguments)} | ...) != 0) [[unlikely]] {
             const Seen seen[] = {See(arguments)...};
             if (const int refused = RefusedPointer(facts, seen); refused != 0) return refused;
         }
