@@ -10,7 +10,7 @@ sets[build]="g++ gfortran cmake ninja-build ccache python3 python3-numpy python3
 sets[tour]="${sets[build]} python3-dev"
 sets[check]="${sets[build]} libgtest-dev googletest clang-14 libclang-rt-14-dev clang-format clang-tidy
              nlohmann-json3-dev pkg-config binutils"
-sets[coverage]="${sets[check]} gcovr"
+sets[coverage]="${sets[check]}"
 sets[hosts]="${sets[check]} python3-dev python3-pytest python3-hypothesis python3-pip python3-pandas python3-scipy
              python3-dask python3-distributed
              mono-mcs mono-runtime nunit-console libnunit-framework2.6.3-cil

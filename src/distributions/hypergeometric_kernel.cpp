@@ -1,5 +1,6 @@
 #include "distributions/hypergeometric_kernel.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -174,10 +175,8 @@ double HypergeometricTail(std::int64_t x, const HypergeometricCounts& c, bool up
         sum = Sum(Walk::Down(x, c), x - c.Lowest(), invert);
     else if (x < c.Highest())
         sum = Sum(Walk::Up(x + 1, c), c.Highest() - x - 1, invert);
-    const double result = invert ? 1 - sum : sum;
-    if (result > 1) return 1;
-    if (result < 0) return 0;
-    return Narrow(result, "boost::math::hypergeometric_cdf<%1%>(%1%,%1%,%1%,%1%)");
+    return Narrow(std::clamp(invert ? 1 - sum : sum, 0.0, 1.0),
+                  "boost::math::hypergeometric_cdf<%1%>(%1%,%1%,%1%,%1%)");
 }
 
 std::int64_t HypergeometricQuantile(double p, double q, const HypergeometricCounts& c) {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 
@@ -52,9 +53,7 @@ double HypergeometricProbability(std::int64_t x, const HypergeometricCounts& c) 
     const double result = c.N <= kLargestFactorialPopulation ? ProbabilityByFactorials(x, c)
                           : c.N <= kLargestLongFactorial     ? ProbabilityByLongFactorials(x, c)
                                                              : ProbabilityByLanczos(x, c);
-    if (result > 1) return 1;
-    if (result < 0) return 0;
-    return Narrow(result, "boost::math::hypergeometric_pdf<%1%>(%1%,%1%,%1%,%1%)");
+    return Narrow(std::clamp(result, 0.0, 1.0), "boost::math::hypergeometric_pdf<%1%>(%1%,%1%,%1%,%1%)");
 }
 
 }  // namespace orvanth

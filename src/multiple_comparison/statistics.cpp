@@ -28,15 +28,12 @@ std::int32_t RunLength(const double* lambda, std::int32_t first, std::int32_t en
     return j - first;
 }
 
-// base^exponent by squaring, low bit first, on the magnitude of the exponent.
-double IntegerPower(double base, std::int32_t exponent) {
-    const bool inverted = exponent < 0;
-    std::uint32_t rest = static_cast<std::uint32_t>(exponent);
-    if (inverted) rest = 0u - rest;
+// base^exponent by squaring, low bit first. Fewer than one group are refused before a power is asked for.
+double IntegerPower(double base, std::uint32_t exponent) {
     double result = 1.0;
-    for (; rest != 0; rest >>= 1, base *= base)
-        if (rest & 1u) result *= base;
-    return inverted ? 1.0 / result : result;
+    for (; exponent != 0; exponent >>= 1, base *= base)
+        if (exponent & 1u) result *= base;
+    return result;
 }
 
 void MultiplyTimes(double& product, double factor, std::int32_t times) {
@@ -112,7 +109,7 @@ double TukeyDistribution::ConditionalCDF(double x, double s) const {
     for (std::size_t i = 0; i < kRulePoints; ++i) {
         const double a = (lambda0_ * kRootTwo) * GaussHermite48.nodes[i];
         const double d = fixedTerms_[i] - NormalForm((a - v) * scale0_);
-        sum += GaussHermite48.weights[i] * IntegerPower(d, k_ - 1);
+        sum += GaussHermite48.weights[i] * IntegerPower(d, static_cast<std::uint32_t>(k_ - 1));
     }
     return (k_ * sum) / kRootPi;
 }

@@ -107,8 +107,7 @@ FNCMoments FNCExactMoments(const FNCRecord& record) {
         if (EndsWalk(limit, add(x))) break;
     s1 /= s0;
     s2 /= s0;
-    const double v = s2 - s1 * s1;
-    return {x0 + s1, v < 0.0 ? 0.0 : v};
+    return {x0 + s1, std::max(s2 - s1 * s1, 0.0)};
 }
 
 }  // namespace orvanth

@@ -42,8 +42,7 @@ double FNCVariance(const FNCRecord& r) {
     const double r1 = (m - mu) * mu;
     const double r2 = (N + mu - n - m) * (n - mu);
     if (r1 <= 0.0 || r2 <= 0.0) return 0.0;
-    const double v = N * r1 * r2 / (((N - m) * r1 + m * r2) * (N - 1.0));
-    return v < 0.0 ? 0.0 : v;
+    return std::max(N * r1 * r2 / (((N - m) * r1 + m * r2) * (N - 1.0)), 0.0);
 }
 
 }  // namespace orvanth

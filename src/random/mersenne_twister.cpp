@@ -86,7 +86,7 @@ void Draw(MersenneTwister& twister, std::span<Number> numbers, Temper temper) {
 
 }  // namespace
 
-MersenneTwister::MersenneTwister(std::uint32_t seed) : position(kStateWords) {
+MersenneTwister::MersenneTwister(std::uint32_t seed) noexcept : position(kStateWords) {
     std::ranges::copy(kUnseeded, state);
     // Both passes go round the words 1 to 623. Word 0 stands for the last one at each turn.
     std::int32_t i = 1;

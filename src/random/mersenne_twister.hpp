@@ -13,7 +13,7 @@ namespace orvanth {
 inline constexpr std::int32_t kStateWords = 624;
 
 struct MersenneTwister {
-    explicit MersenneTwister(std::uint32_t seed);
+    explicit MersenneTwister(std::uint32_t seed) noexcept;
 
     std::uint32_t state[kStateWords];
     std::int32_t position;  // of the next word; kStateWords: the block is used up

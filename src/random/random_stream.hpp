@@ -11,7 +11,7 @@
 namespace orvanth {
 
 struct alignas(64) RandomStream {
-    explicit RandomStream(std::uint32_t seed) : twister(seed) {}
+    explicit RandomStream(std::uint32_t seed) noexcept : twister(seed) {}
 
     std::int32_t generator = 0x800000;  // MT19937
     std::uint8_t marker = 1;            // of a live stream

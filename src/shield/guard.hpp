@@ -145,8 +145,10 @@ inline auto Safe(Arguments... arguments) noexcept {
         if constexpr (std::is_void_v<Result>) {
             Call<Function, facts>(arguments...);
             errnoOfCall.Judge(kept);
-            if constexpr (facts.hasReservedValue)
-                if ((IsOutputReserved<facts>(arguments) || ...)) NoteReservedOfCall<facts>(kept);
+            if constexpr (facts.hasReservedValue) {
+                const bool isReserved = (int{IsOutputReserved<facts>(arguments)} | ...) != 0;
+                if (isReserved) NoteReservedOfCall<facts>(kept);
+            }
             return;
         } else {
             const Result result = Call<Function, facts>(arguments...);

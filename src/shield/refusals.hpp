@@ -4,6 +4,7 @@
 #define ORVANTH_SHIELD_REFUSALS_HPP
 
 #include <cstdint>
+#include <span>
 #include <type_traits>
 
 #include "orvanth/core_math.h"
@@ -45,57 +46,53 @@ struct OwnTest<&OLS> {
     }
 };
 
-// What the arguments so far say about how much storage the next pointer needs.
-struct Extent {
-    bool matrixIsEmpty = false;    // the first matrix has no elements: nothing is read or written
-    std::int32_t lastInteger = 0;  // the length of an array stands before it
-    bool hasMatrix = false;
+// What is looked at of one argument before the call.
+struct Seen {
+    enum Kind { kValue, kLength, kDescriptor, kArray, kStorage };
+    Kind kind = kValue;
+    bool isNull = false;
+    std::int64_t count = 0;  // a length, or 0 for a matrix without elements
 };
 
 template <class Argument>
-void Learn(Extent& extent, Argument argument) {
+Seen See(Argument argument) {
     if constexpr (std::is_same_v<Argument, std::int32_t>) {
-        extent.lastInteger = argument;
+        return {Seen::kLength, false, argument};
     } else if constexpr (std::is_same_v<Argument, const MatrixDescriptor*>) {
-        if (argument != nullptr && !extent.hasMatrix) {
-            extent.hasMatrix = true;
-            extent.matrixIsEmpty = argument->rows <= 0 || argument->columns <= 0;
-        }
+        if (argument == nullptr) return {Seen::kDescriptor, true, 0};
+        return {Seen::kDescriptor, false, argument->rows > 0 && argument->columns > 0};
+    } else if constexpr (std::is_pointer_v<Argument>) {
+        return {std::is_same_v<Argument, const double*> ? Seen::kArray : Seen::kStorage, argument == nullptr, 0};
+    } else {
+        return {};
     }
 }
+
+template <class Argument>
+bool MayBeRefused(Argument argument) {
+    if constexpr (std::is_pointer_v<Argument>)
+        return argument == nullptr;
+    else if constexpr (std::is_same_v<Argument, std::int32_t>)
+        return argument < 0;
+    else
+        return false;
+}
+
+// The number of the first pointer that is refused, from 1, or 0. The length of an array stands before it.
+int RefusedPointer(const Facts& facts, std::span<const Seen> arguments) noexcept;
 
 // The number of the argument that is refused, from 1, or 0.
 template <auto Function, const Facts& facts, class... Arguments>
 inline int Refuse(Arguments... arguments) noexcept {
-    constexpr bool isMatrixExport = (std::is_same_v<Arguments, const MatrixDescriptor*> || ...);
-    Extent extent;
-    if constexpr (isMatrixExport) (Learn(extent, arguments), ...);
-    int refused = 0, index = 0;
-    const auto test = [&](auto argument) {
-        using Argument = decltype(argument);
-        if constexpr (!isMatrixExport) Learn(extent, argument);
-        if constexpr (std::is_pointer_v<Argument>) {
-            constexpr bool isCounted = std::is_same_v<Argument, const double*> && !isMatrixExport;
-            constexpr bool isDescriptor = std::is_same_v<Argument, const MatrixDescriptor*>;
-            bool isUnused = (facts.nullable >> index & 1) != 0;
-            if constexpr (isMatrixExport && !isDescriptor) isUnused |= extent.matrixIsEmpty;
-            if constexpr (isCounted) {
-                isUnused |= extent.lastInteger == 0;
-                if (refused == 0 && extent.lastInteger < 0) {
-                    NoteArgument(facts, index, "has a negative length");
-                    refused = index + 1;
-                }
-            }
-            if (refused == 0 && argument == nullptr && !isUnused) {
-                NoteArgument(facts, index, "is null");
-                refused = index + 1;
-            }
+    // In nearly every call no pointer is null and no integer negative. One condition: a call has no branch for each
+    // argument.
+    if constexpr ((std::is_pointer_v<Arguments> || ...)) {
+        if ((int{MayBeRefused(arguments)} | ...) != 0) [[unlikely]] {
+            const Seen seen[] = {See(arguments)...};
+            if (const int refused = RefusedPointer(facts, seen); refused != 0) return refused;
         }
-        ++index;
-    };
-    (test(arguments), ...);
-    if (refused == 0) refused = OwnTest<Function>::Find(facts, arguments...);
-    return refused;
+    }
+    return OwnTest<Function>::Find(facts, arguments...);
 }
 
 }  // namespace orvanth::shield

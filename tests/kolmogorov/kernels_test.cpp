@@ -389,6 +389,13 @@ TEST(KolmogorovSpecial, OneMinusOneOverNBelongsToTheUpperForm) {
     EXPECT_EQ(KolmogorovCumulativeSpecial(2, 0.5), 0.5);
 }
 
+TEST(SmirnovUpperTail, TheAsymptoticFormIsNeverAboveOne) {
+    const std::int32_t n = 200001;
+    EXPECT_EQ(SmirnovUpperTail(n, 0), 1.0) << "the factor of the exponential is 1 + 1 / (18 n)";
+    EXPECT_LT(SmirnovUpperTail(n, 1e-3), 1.0);
+    EXPECT_EQ(SmirnovUpperTail(n, 0.5), 0.0) << "the factor is negative";
+}
+
 TEST(PelzGood, IsNotClampedToOne) { EXPECT_GT(PelzGood(6, 0.85), 1.0); }
 
 TEST(PelzGood, ApproachesTheLimitDistribution) {

@@ -2,6 +2,7 @@
 #include "linalg/collinearity_qr.hpp"
 
 #include <array>
+#include <utility>
 
 #include "linalg/allocation_count.hpp"
 #include "linalg/collinearity_qr_step.hpp"
@@ -172,6 +173,17 @@ TEST(CollinearityQR, RejectedArgumentsAreReportedUnderDgeqp3) {
         EXPECT_EQ(r.info, info);
         EXPECT_NE(r.report.find("DGEQP3"), std::string::npos) << r.report;
         EXPECT_TRUE(SameBits(a.storage, before));
+    }
+}
+
+TEST(CollinearityQR, AMatrixWithoutElementsIsLeftAlone) {
+    for (const auto& [m, n] : {std::pair{0, 3}, {4, 0}, {0, 0}}) {
+        Matrix a = Identity(4);
+        const std::vector<double> before = a.storage;
+        double tau[] = {7, 7, 7}, work[20] = {};
+        EXPECT_EQ(CollinearityQR({a.Data(), m, n, 4}, tau, 1e-9, {work, 20}), 0);
+        EXPECT_TRUE(SameBits(a.storage, before));
+        EXPECT_EQ(tau[0], 7);
     }
 }
 

@@ -150,6 +150,15 @@ TEST(Refined, TwoGroupsAreStudentsDistribution) {
     EXPECT_NEAR(RefinedDunnettCDF(1e-8, 2, kInfinity, lambda, false) / (1e-8 * std::sqrt(2 / pi)), 1, 1e-14);
 }
 
+// Their difference has the variance 1 whatever the coefficient; only the equal one takes the short way.
+TEST(Refined, TwoGroupsOfAllPairsAreStudentsWithAnyCoefficient) {
+    const double student = 2 / std::acos(-1.0) * std::atan(2.0);
+    for (const double l : {std::sqrt(0.5), 0.6, -0.3}) {
+        const std::array<double, 2> lambda = {l, l};
+        EXPECT_NEAR(RefinedTukeyCDF(2, 2, 1, lambda, false), student, 1e-12) << l;
+    }
+}
+
 TEST(Refined, ExtremeArgumentsEnd) {
     const std::span<const double> lambda(kEqualGroups);
     for (const auto& [name, family] : kRefined)

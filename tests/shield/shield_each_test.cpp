@@ -110,6 +110,44 @@ TEST(ShieldEach, InnerArraysMayBeStridedAndMustBeLongEnough) {
     EXPECT_EQ(results[0], MCcCDF(2, 3, 12, reversed, 0));
 }
 
+// A step of 0 lets one element stand for an array of any length, also for one whose bytes cannot be counted.
+TEST(ShieldEach, AnInnerArrayBeyondTheAddressSpaceIsOutOfMemory) {
+    double x = 2, df = 12, lambda = 0.6, result = 0;
+    std::int64_t tail = 0, k = 3;
+    char* pointers[] = {At(x), At(k), At(df), At(lambda), At(tail), At(result)};
+    constexpr intptr_t kMoreBytesThanCanBeCounted = INTPTR_MAX / 4 + 1;
+    const intptr_t dimensions[] = {1, kMoreBytesThanCanBeCounted}, steps[] = {0, 0, 0, 0, 0, 0, 0};
+    EachReport report;
+    EachMCcCDF(pointers, dimensions, steps, &report);
+    EXPECT_TRUE(std::isnan(result));
+    EXPECT_EQ(report.status, ORVANTH_STATUS_MEMORY);
+}
+
+TEST(ShieldEach, ALengthThatNoArrayHasIsRefusedUnderItsOwnName) {
+    double x = 2, df = 12, results[3], lambda[] = {0.6, -9, 0.7, -9};
+    std::int64_t tail[] = {0, 300, 300}, k[] = {-1, std::int64_t{1} << 40, 3};
+    char* pointers[] = {At(x), At(k[0]), At(df), At(lambda[0]), At(tail[0]), At(results[0])};
+    const intptr_t steps[] = {0, 8, 0, 0, 8, 8, 16}, length[] = {3, 2}, none[] = {1, 0};
+    EachReport report;
+    EachMCcCDF(pointers, length, steps, &report);
+    EXPECT_STREQ(report.text, "MCcCDF: argument k is -1, which is out of its range");
+    EXPECT_EQ(report.failures, 3);
+    for (double result : results) EXPECT_TRUE(std::isnan(result));
+    // The first of two bad integers is named.
+    pointers[1] = At(k[1]);
+    pointers[4] = At(tail[1]);
+    const intptr_t one[] = {1, 2};
+    EachMCcCDF(pointers, one, steps, &report);
+    EXPECT_STREQ(report.text, "MCcCDF: argument k is 1099511627776, which is out of its range");
+    // Strided arrays without elements are not copied.
+    std::int64_t zero = 0;
+    pointers[1] = At(zero);
+    pointers[4] = At(tail[0]);
+    EachMCcCDF(pointers, none, steps, &report);
+    EXPECT_NE(report.status, ORVANTH_STATUS_MEMORY);
+    EXPECT_NE(report.status, ORVANTH_STATUS_ARGUMENT) << "k = 0 is answered by the export";
+}
+
 TEST(ShieldEach, EveryKindOfFailureIsOnRecord) {
     double p[] = {0, 0.5, 1.5}, mean = 0, sd = 1, results[3];
     std::int64_t tail = 0;

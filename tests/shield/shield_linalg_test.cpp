@@ -115,12 +115,28 @@ TEST(ShieldLinalg, WhatNobodyElseTestsIsTestedHere) {
     EXPECT_EQ(SafeOLS(a.data(), &square, b.data(), &column, x.data(), &flat, tau.data(), 1e-9), ORVANTH_REFUSED - 6);
     ExpectTold(ORVANTH_STATUS_ARGUMENT, "leadingDimension below the columns of a");
     EXPECT_EQ(a, (Matrix{1, 2, 3, 5})) << "nothing was touched";
+    const MatrixDescriptor one{0, 1, 2, 1};
+    EXPECT_EQ(SafeXb(a.data(), &one, b.data(), b.data()), Xb(a.data(), &one, b.data(), b.data()))
+        << "one column has no leading dimension";
+    EXPECT_EQ(LastStatus(), ORVANTH_STATUS_OK);
+}
 
-    // Where no coefficient is written, x needs no room for one.
-    const MatrixDescriptor noColumn{0, 2, 2, 0}, noRow{0, 1, 0, 2}, shortColumn{0, 2, 0, 1};
-    EXPECT_EQ(SafeOLS(a.data(), &square, b.data(), &noColumn, x.data(), &flat, tau.data(), 1e-9), 0);
-    EXPECT_EQ(SafeOLS(a.data(), &noRow, b.data(), &shortColumn, x.data(), &flat, tau.data(), 1e-9), 0);
-    EXPECT_EQ(x, (Matrix{7, 7}));
+// Without a solution to write, nothing is asked of the leading dimension of x.
+TEST(ShieldLinalg, OlsWithoutElementsLooksAtNoLeadingDimension) {
+    const MatrixDescriptor square = Shape(2, 2), column = Shape(2, 1), flat{0, 1, 2, 2};
+    const struct {
+        MatrixDescriptor a, b;
+    } cases[] = {{{0, 2, 0, 2}, column}, {{0, 2, 2, 0}, column}, {square, {0, 2, 2, 0}}};
+    for (const auto& [aShape, bShape] : cases) {
+        Matrix a = {1, 2, 3, 5}, b = {1, 2}, x = {7, 7, 7, 7}, tau(2), plainA = a, plainB = b, plainX = x,
+               plainTau = tau;
+        const std::int32_t status = SafeOLS(a.data(), &aShape, b.data(), &bShape, x.data(), &flat, tau.data(), 1e-9);
+        EXPECT_EQ(status,
+                  OLS(plainA.data(), &aShape, plainB.data(), &bShape, plainX.data(), &flat, plainTau.data(), 1e-9));
+        EXPECT_EQ(std::string(LastErrorText()).find("below the columns of a"), std::string::npos) << LastErrorText();
+        EXPECT_EQ(a, plainA);
+        EXPECT_EQ(x, plainX);
+    }
 }
 
 }  // namespace

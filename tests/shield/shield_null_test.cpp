@@ -1,6 +1,7 @@
 // A null pointer is refused by every form, under the name of its argument.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <set>
@@ -98,6 +99,42 @@ void ExpectRefusals(const std::string& name, Result (*form)(Arguments...), const
         EXPECT_EQ(LastErrorArgument(), names[i]) << name << ": the first of several is named";
         break;
     }
+}
+
+// Where a form has an array, the integers before it are made negative. Answers whether it has one.
+template <class Result, class... Arguments>
+bool ExpectNegativeLengthIsRefused(const std::string& name, Result (*form)(Arguments...), const std::string& list) {
+    constexpr bool kHasMatrix = (std::is_same_v<Arguments, const MatrixDescriptor*> || ...);
+    if constexpr (std::is_same_v<Result, double> && !kHasMatrix) {
+        constexpr bool kIsArray[] = {std::is_same_v<Arguments, const double*>..., false};
+        const auto array = static_cast<std::size_t>(std::ranges::find(kIsArray, true) - kIsArray);
+        if (array >= sizeof...(Arguments)) return false;
+        const std::string argument = Names(list)[array];
+        for (bool isNull : {false, true}) {
+            std::vector<Storage> storage;
+            storage.reserve(sizeof...(Arguments));
+            std::tuple<Arguments...> arguments{Make<Arguments>(storage, isNull)...};
+            const auto negate = [](auto& each) {
+                if constexpr (std::is_same_v<decltype(each), std::int32_t&>) each = -1;
+            };
+            std::apply([&](auto&... each) { (negate(each), ...); }, arguments);
+            EXPECT_TRUE(std::isnan(std::apply(form, arguments))) << name;
+            EXPECT_EQ(LastStatus(), ORVANTH_STATUS_ARGUMENT) << name;
+            EXPECT_EQ(LastErrorText(), name + ": argument " + argument + " has a negative length");
+            EXPECT_EQ(LastErrorArgument(), argument);
+        }
+        return true;
+    }
+    return false;
+}
+
+TEST(ShieldNull, EveryArrayOfNegativeLengthIsRefusedByName) {
+    int arrays = 0;
+#define EXPORT(folder, name, result, arguments, ...) \
+    arrays += ExpectNegativeLengthIsRefused(#name, &Safe##name, #arguments);
+#include "frame/exports.def"
+#undef EXPORT
+    EXPECT_GE(arrays, 6);
 }
 
 TEST(ShieldNull, EveryPointerOfEveryFormIsRefusedByName) {
