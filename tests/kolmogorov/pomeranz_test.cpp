@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "kolmogorov/durbin_matrix.hpp"
+#include "kolmogorov/log_factorial.hpp"
 #include "kolmogorov/pomeranz.hpp"
 
 namespace {
