@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Counts the lines and branches of src/ that the test programs run, and compares what is left with
 # tests/coverage/uncovered.tsv.
-#   tools/coverage.sh            builds the preset coverage, runs the tests, judges; about half an hour
+#   tools/coverage.sh            builds the preset coverage, runs the tests, judges; five to ten minutes
 #   tools/coverage.sh --judge    judges the counts of the run before
 set -euo pipefail
 cd "$(dirname "$0")/.."

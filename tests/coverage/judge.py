@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Judges the counts of tools/coverage.sh: judge.py <build directory>
+"""Judges the counts of tools/coverage.sh: judge.py <directory of objects>
 
 At least 99.5 % of the lines and 97 % of the branches have to run, and each line that does not has to be in
 uncovered.tsv with its reason. A line is named by its text, so that changes before it do not matter.
