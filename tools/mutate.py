@@ -5,8 +5,9 @@
 
 A mutant is one change: a comparison, the last digit of a constant, an integer by one, a flag, an operator. The changes
 are drawn with the seed from all of src/, --count of them, evenly by lines of code; --family and --file draw from a part.
-Each is built in a copy of the tree, build/mutation/tree, and judged by the tests of its family, the quickest first, and
-by the golden rows of the family's exports. The first test that fails, or runs five times as long as it should, kills it.
+Each is built in a copy of the tree, build/mutation/tree, and judged by the tests of its family, the quickest first, by
+those of another family that test it too, and by the golden rows of the family's exports. The first test that fails, or
+runs five times as long as it should, kills it.
 
 The verdicts are kept in build/mutation/verdicts.jsonl, so that a run that was stopped goes on where it was; --again
 judges the survivors of earlier runs once more, --summary counts what is there. A mutant that lives is a missing test, or
@@ -35,6 +36,8 @@ TREE, BUILD, VERDICTS = PLACE / "tree", PLACE / "build", PLACE / "verdicts.jsonl
 EXPLAINED = ROOT / "tests" / "mutation" / "survivors.tsv"
 # Whose golden rows judge a folder beside its own: the folders that stand on it.
 STAND_ON = {"frame": ("special", "distributions"), "special": ("distributions",)}
+# Test programs of another folder that test this one too.
+SHARED_TESTS = {"special": ("continuous_test",), "distributions": ("reach_test", "extremes_test")}
 # A table of numbers and a header that everything includes get no more than this many mutants.
 FEW = 3
 WIDE_HEADERS = ("src/frame/policies.hpp", "src/frame/boost_detail.hpp", "src/frame/platform.hpp", "src/frame/flags.hpp")
@@ -195,7 +198,9 @@ class Judge:
         families = (mutant.family, *STAND_ON.get(mutant.family, ()))
         golden = ":".join(f"GoldenRows.{e.name}" for e in exports() if e.folder in families)
         tests = []
-        for name, command in self.tests.get(mutant.family, ()):
+        shared = [test for found in self.tests.values() for test in found
+                  if test[0] in SHARED_TESTS.get(mutant.family, ())]
+        for name, command in [*self.tests.get(mutant.family, ()), *shared]:
             if name.endswith("_is_current"):
                 if mutant.file.endswith(".inc"):
                     tests.append((name, command, None))

@@ -32,7 +32,8 @@ ORVANTH_API(double) FisherFPDF(double x, double df1, double df2) {
     if (density == 0) return 0;
     const double sum = v + df2, square = sum * sum, product = df1 * df2;
     // They leave the range for tiny and for huge degrees of freedom.
-    const bool inRange = square >= std::numeric_limits<double>::min() && square <= kLargest && product <= kLargest;
+    const bool inRange =
+        std::fmin(square, product) >= std::numeric_limits<double>::min() && std::fmax(square, product) <= kLargest;
     return Narrow(density * (inRange ? product / square : df1 / sum * (df2 / sum)), kFunction);
 }
 

@@ -2,6 +2,7 @@
 #ifndef ORVANTH_LINALG_SCRATCH_HPP
 #define ORVANTH_LINALG_SCRATCH_HPP
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -21,12 +22,14 @@ struct ReleaseScratch {
 template <class T>
 using Scratch = std::unique_ptr<T[], ReleaseScratch>;
 
-// Null if there is no memory. The block from the heap begins up to an alignment earlier; its address stands
-// before the scratch. The heap's own aligned allocation splits blocks, which takes long enough to show in a small
-// decomposition. A size below zero counts as zero; only rejected arguments give one.
+// Null if there is no memory, or if no address space could hold it. The block from the heap begins up to an alignment
+// earlier; its address stands before the scratch. The heap's own aligned allocation splits blocks, which takes long
+// enough to show in a small decomposition. A size below zero counts as zero; only rejected arguments give one.
 template <class T>
 Scratch<T> AllocateScratch(std::int64_t elements) noexcept {
-    const std::size_t bytes = (elements > 0 ? static_cast<std::size_t>(elements) : 0) * sizeof(T);
+    const auto count = static_cast<std::uint64_t>(std::max<std::int64_t>(elements, 0));
+    if (count > (PTRDIFF_MAX - kScratchAlignment) / sizeof(T)) return nullptr;
+    const std::size_t bytes = static_cast<std::size_t>(count) * sizeof(T);
     void* const block = std::malloc(bytes + kScratchAlignment);
     if (block == nullptr) return nullptr;
     const std::size_t toBoundary = kScratchAlignment - reinterpret_cast<std::uintptr_t>(block) % kScratchAlignment;

@@ -3,6 +3,7 @@
 #ifndef ORVANTH_SHIELD_EACH_HPP
 #define ORVANTH_SHIELD_EACH_HPP
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
@@ -53,7 +54,8 @@ private:
 class Gathered {
 public:
     Gathered(std::intptr_t length, std::intptr_t step) : length_(length), step_(step) {
-        if (step != sizeof(double) && length > 0)
+        // A length beyond the address space is possible: with a step of 0 it stands for one element.
+        if (step != sizeof(double) && length > 0 && length <= PTRDIFF_MAX / std::intptr_t{sizeof(double)})
             block_ = static_cast<double*>(std::malloc(static_cast<std::size_t>(length) * sizeof(double)));
     }
     ~Gathered() { std::free(block_); }

@@ -146,7 +146,7 @@ inline auto Safe(Arguments... arguments) noexcept {
             Call<Function, facts>(arguments...);
             errnoOfCall.Judge(kept);
             if constexpr (facts.hasReservedValue) {
-                const bool isReserved = (IsOutputReserved<facts>(arguments) | ...);
+                const bool isReserved = (int{IsOutputReserved<facts>(arguments)} | ...) != 0;
                 if (isReserved) NoteReservedOfCall<facts>(kept);
             }
             return;

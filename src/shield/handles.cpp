@@ -4,21 +4,22 @@
 
 namespace orvanth::shield {
 
-// Makes one more slot and puts it on the list of free ones. Chunks stay until the process ends.
-bool HandleTable::MakeSlot() noexcept {
+// All slots of a chunk become free at once, so that objects that live one after another have many places. Chunks stay
+// until the process ends.
+bool HandleTable::MakeChunk() noexcept {
     if (slots_ == kChunkLength * kMostChunks) return false;
-    if (slots_ % kChunkLength == 0) {
-        Slot* const chunk = new (std::nothrow) Slot[kChunkLength];
-        if (chunk == nullptr) return false;
-        chunks_[slots_ / kChunkLength].store(chunk, std::memory_order_release);
-    }
-    firstFree_ = lastFree_ = ++slots_;
+    Slot* const chunk = new (std::nothrow) Slot[kChunkLength];
+    if (chunk == nullptr) return false;
+    for (std::size_t i = 0; i + 1 < kChunkLength; ++i) chunk[i].nextFree_ = slots_ + i + 2;
+    chunks_[slots_ / kChunkLength].store(chunk, std::memory_order_release);
+    firstFree_ = slots_ + 1;
+    lastFree_ = slots_ += kChunkLength;
     return true;
 }
 
 HandleTable::Handle HandleTable::Insert(Kind kind, void* object) noexcept {
     std::lock_guard inside(lock_);
-    if (firstFree_ == 0 && !MakeSlot()) return 0;
+    if (firstFree_ == 0 && !MakeChunk()) return 0;
     const Handle index = firstFree_ - 1;
     Slot& slot = *Find(index << kIndexShift);
     firstFree_ = slot.nextFree_;

@@ -29,8 +29,10 @@ public:
     void Remove(Slot& slot, Handle handle) noexcept;  // of an acquired handle
 
 private:
-    // A handle from its lowest bit on: whether it is in use (in a slot only), kind, index, generation.
-    static constexpr unsigned kKindShift = 1, kIndexShift = 2, kIndexBits = 20;
+    // A handle from its lowest bit on: whether it is in use (in a slot only), kind, index, generation. In 32 bits
+    // 65536 objects may live at once, and as slots are reused in turn, a handle comes back after 16 million others at
+    // least.
+    static constexpr unsigned kKindShift = 1, kIndexShift = 2, kIndexBits = sizeof(Handle) == 8 ? 20 : 16;
     static constexpr unsigned kGenerationShift = kIndexShift + kIndexBits;
     static constexpr Handle kInUse = 1;
     static constexpr std::size_t kChunkLength = 1024;
@@ -38,7 +40,7 @@ private:
 
     static std::size_t IndexOf(Handle handle) { return handle >> kIndexShift & ((Handle{1} << kIndexBits) - 1); }
     Slot* Find(Handle handle) const noexcept;  // null if none was made for this index
-    bool MakeSlot() noexcept;
+    bool MakeChunk() noexcept;                 // of free slots
     static bool IsPossible(Kind kind, Handle handle) {
         return (handle & kInUse) == 0 && (handle >> kKindShift & 1) == static_cast<Handle>(kind) &&
                handle >> kGenerationShift != 0;

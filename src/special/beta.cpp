@@ -77,16 +77,18 @@ bool IsBinomialSumLost(double a, double b, double x) {
            (a + 1) * std::log(x) < std::log(std::numeric_limits<double>::min());
 }
 
-// Below the first, 1 / a overflows inside Boost.Math, and if both parameters are below the second, 1 / (a b) does.
-constexpr double kTinyParameter = 1e-300;
-constexpr double kTinyParameters = 1e-100;
+// If one parameter is below the first or both are below the second, 1 / (a b) may overflow inside Boost.Math.
+constexpr double kTinyParameter = 1e-280;
+constexpr double kTinyParameters = 1e-20;
+
+bool AreTiny(double a, double b) { return std::min(a, b) < kTinyParameter || std::max(a, b) < kTinyParameters; }
 
 constexpr double kHugeParameter = 1e300;
 
 double GeneralRegularized(double a, double b, double x, bool complement);
 
-// For a or b below kTinyParameter, or both below kTinyParameters. The ratio of two tiny parameters decides alone;
-// beside a larger b, 1 - I is proportional to a, and beside a larger a, I is to b.
+// For tiny parameters. The ratio of two of them decides alone; beside a larger b, 1 - I is proportional to a, and
+// beside a larger a, I is to b.
 double TinyRegularized(double a, double b, double x, bool complement) {
     if (std::max(a, b) < kTinyParameters) return 1 / (1 + (complement ? b / a : a / b));
     if ((a < b) != complement) return 1;
@@ -96,8 +98,7 @@ double TinyRegularized(double a, double b, double x, bool complement) {
 
 // For x in (0, 1) and positive a and b.
 double GeneralRegularized(double a, double b, double x, bool complement) {
-    if (std::min(a, b) < kTinyParameter || std::max(a, b) < kTinyParameters)
-        return TinyRegularized(a, b, x, complement);
+    if (AreTiny(a, b)) return TinyRegularized(a, b, x, complement);
     const double y = 1 - x;
     // The side of the mean on which the tail is the smaller one.
     const bool swap = a < b ? a - (a + b) * x < 0 : (a + b) * y - b < 0;
@@ -157,17 +158,19 @@ double DensityOutside(const char* function, double exponent) {
     return std::floor(exponent) == exponent && !std::isinf(exponent) ? RaiseOverflow(function) : kNaN;
 }
 
-// The density where one parameter is so small that 1/B(a, b) = a b / (a + b) to all digits.
+// The density of tiny parameters, of which 1/B(a, b) = a b / (a + b) to all digits.
 double TinyParameterDensity(double a, double b, double x) {
-    const double smaller = std::min(a, b), larger = std::max(a, b);
-    return smaller / (1 + smaller / larger) * (std::pow(x, a) / x) * (std::pow(1 - x, b) / (1 - x));
+    const double smaller = std::min(a, b), larger = std::max(a, b), scale = smaller / (1 + smaller / larger);
+    const double first = std::pow(x, a) / x, second = std::pow(1 - x, b) / (1 - x);
+    // For a subnormal x the first factor may overflow and the product not.
+    return std::isinf(first) ? scale / x * std::pow(x, a) * second : scale * first * second;
 }
 
 // The power terms x^a (1 - x)^b / B(a, b) come first and are divided by x (1 - x) last: where they
 // are 0 or the quotient is in range, no 1/x on the way may overflow.
 double DensityInside(const char* function, double a, double b, double x) {
     const double y = 1 - x;
-    if (std::min(a, b) < kTinyParameter) return TinyParameterDensity(a, b, x);
+    if (AreTiny(a, b)) return TinyParameterDensity(a, b, x);
     const double terms = std::min(a, b) > kLargeParameters ? LargePowerTerms(a, b, x) : BetaPowerTerms(a, b, x, y);
     if (std::isnan(terms) && std::max(a, b) > kHugeParameter) return 0;  // a power overflows only far from the mean
     if (terms == 0) return 0;

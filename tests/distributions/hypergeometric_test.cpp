@@ -49,6 +49,14 @@ TEST(HypergeometricPDF, CountsAreCutOffTowardsZero) {
     EXPECT_EQ(HypergeometricPDF(0, -0.9, 6, 20), 1);
 }
 
+// The Lanczos form of this certain event is 1 + 3e-11 and 1 + 4e-11.
+TEST(HypergeometricPDF, RoundingDoesNotLeadBeyondOne) {
+    for (double N : {123456.0, 200000.0}) {
+        EXPECT_EQ(HypergeometricPDF(0, 0, 0, N), 1);
+        EXPECT_EQ(HypergeometricCDF(0, 0, 0, N, 0), 1);
+    }
+}
+
 TEST(HypergeometricPDF, BrokenVariateIsNamedAtTheEndOfTheText) {
     EXPECT_EQ(ThrownText<std::domain_error>([] { HypergeometricPDF(2.5, 5, 6, 20); }),
               "Error in function boost::math::pdf(const hypergeometric_distribution<double>&, const double&): "

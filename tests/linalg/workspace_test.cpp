@@ -1,5 +1,6 @@
 // What 10000 elements allow: the largest problem that passes and the smallest that is turned down.
 #include "linalg/matrices.hpp"
+#include "linalg/scratch.hpp"
 
 namespace orvanth::test {
 namespace {
@@ -16,6 +17,16 @@ struct Row {
     Matrix a;
     std::vector<double> tau = RogueVector(4);
 };
+
+// In 32 bits the support array of EigenSymmetric can be that long, for a matrix that is rejected later.
+TEST(Workspace, ScratchBeyondTheAddressSpaceIsNotThere) {
+    constexpr std::int64_t kWrapsToNothing = sizeof(void*) == 8 ? std::int64_t{1} << 61 : std::int64_t{1} << 29;
+    EXPECT_EQ(AllocateScratch<double>(kWrapsToNothing), nullptr);
+    EXPECT_EQ(AllocateScratch<double>(kWrapsToNothing + 1), nullptr);
+    EXPECT_EQ(AllocateScratch<double>(kWrapsToNothing / 2), nullptr) << "half of the addresses";
+    EXPECT_NE(AllocateScratch<double>(1), nullptr);
+    EXPECT_NE(AllocateScratch<double>(-1), nullptr);
+}
 
 TEST(Workspace, QRTakesTenThousandColumnsAndNoMore) {
     Row fits(10000), beyond(10001);

@@ -188,7 +188,10 @@ TEST(Refined, EndsOfTheRange) {
             EXPECT_EQ(family.cumulative(-1, 4, 10, lambda, true), 1.0);
         }
         for (const double bad : {0.0, 1.0, -0.1, kNaN})
-            EXPECT_TRUE(std::isnan(family.quantile(bad, 4, 10, lambda, false)));
+            for (const std::int32_t k : {2, 4})
+                for (const bool upper : {false, true})
+                    EXPECT_TRUE(std::isnan(family.quantile(bad, k, 10, lambda, upper)))
+                        << name << " p " << bad << " k " << k << (upper ? " upper" : "");
         for (const double df : {0.0, -1.0, kNaN}) {
             EXPECT_TRUE(std::isnan(family.cumulative(2, 4, df, lambda, false)));
             EXPECT_TRUE(std::isnan(family.quantile(0.9, 4, df, lambda, false)));
@@ -212,6 +215,10 @@ TEST(Refined, AllPairsWithAnotherCoefficientFollowTheFormula) {
             EXPECT_NEAR(lower, MCaCDF(2.5, 4, df, all.data(), 0), 1e-6) << lambda << " df " << df;
             EXPECT_EQ(RefinedTukeyCDF(2.5, 4, df, one, true), 1.0 - lower);
         }
+    // Near the limit, by sums over 40000 points; the probability leaves it over the smallest scales only.
+    EXPECT_NEAR(RefinedTukeyCDF(1000, 2, 2, std::vector<double>{0.1}, false), 0.999999000001499, 1e-11);
+    EXPECT_NEAR(RefinedTukeyCDF(1000, 5, 1, std::vector<double>{-0.4}, false), 0.511766391804397, 1e-11);
+    EXPECT_NEAR(RefinedTukeyCDF(1000, 100, 1, std::vector<double>{0.93}, false) / 16.43079703012819, 1, 1e-11);
     const std::vector<double> flat{0.5};
     const double limit = RefinedTukeyCDF(1e6, 4, 20, flat, false);
     EXPECT_LT(limit, 0.9);

@@ -73,6 +73,16 @@ TEST(LBFGSBStart, WithoutMemoryThereIsNoStateAndNothingStaysAllocated) {
     EXPECT_EQ(LiveBlocks(), before);
 }
 
+// The largest number of variables for which the workspace is in range: in 32 bits its arrays are beyond the address
+// space. In 64 bits they might be found, and nothing is asked.
+TEST(LBFGSBStart, ArraysBeyondTheAddressSpaceAreNoMemory) {
+    if (sizeof(void*) == 8) GTEST_SKIP() << "an address space of 64 bits holds them";
+    const double bound = 0;
+    const std::int32_t kind = 0;
+    for (std::int32_t n : {300000000, 1 << 28, 1 << 29})
+        EXPECT_EQ(LBFGSBStart(n, 1, &bound, &bound, &kind, 1e7, 1e-5), nullptr) << n;
+}
+
 // A step has no memory to ask for, so none can be refused.
 TEST(LBFGSBStep, NeedsNoMemoryOfTheLibrarysOwn) {
     const Objective objective = NamedObjective("booth");

@@ -45,12 +45,14 @@ TEST(ShieldStream, MisuseIsAStatus) {
 }
 
 TEST(ShieldStream, ANewStreamInAnOldPlaceHasAnotherHandle) {
-    std::set<RandomStreamHandle> seen;
+    std::set<RandomStreamHandle> seen, places;
     for (int i = 0; i < 3000; ++i) {
         const RandomStreamHandle stream = SafeCreateRandomStream(i);
         EXPECT_TRUE(seen.insert(stream).second);
+        places.insert(stream >> 2 & 0xFFFFF);
         EXPECT_EQ(SafeDeleteRandomStream(stream), 0);
     }
+    EXPECT_LT(places.size(), seen.size()) << "a place that is free is taken before a new one is made";
     for (RandomStreamHandle old : seen) EXPECT_EQ(SafeDeleteRandomStream(old), -1006);
 }
 

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <limits>
 #include <random>
 #include <stdexcept>
 
@@ -54,6 +55,15 @@ TEST(Beta, OverflowIsReportedByTheNarrowingCheck) {
               "Error in function boost::math::beta<double>(double,double): numeric overflow");
 }
 
+TEST(Beta, VanishesAtInfinity) {
+    for (double a : {0.3, 1.0, 60.0, kInfinity})
+        for (const auto& call : {CallWithErrno(0, [=] { return Beta(a, kInfinity); }),
+                                 CallWithErrno(0, [=] { return Beta(kInfinity, a); })}) {
+            EXPECT_EQ(call.value, 0);
+            EXPECT_EQ(call.errnoAfter, 0);
+        }
+}
+
 TEST(BetaDerivative, AtTheEnds) {
     EXPECT_DOUBLE_EQ(BetaDerivative(1, 3, 0), 3);
     EXPECT_EQ(BetaDerivative(2, 3, 0), 0);
@@ -99,6 +109,16 @@ TEST(InverseBeta, TheComplementKeepsItsDigitsNearOne) {
     InverseBetaRegularized2(5, 0.5, 0.99999, &x, &y);
     EXPECT_GT(y, 0);
     EXPECT_NEAR(BetaRegularized(0.5, 5, y) / 1e-5, 1, 1e-9);
+}
+
+TEST(InverseBeta, ATinyBesideAHugeParameterPutsTheMassAtAnEnd) {
+    double x = 7, complement = 7;
+    InverseBetaRegularized2(1e-13, 1e13, 0.3, &x, &complement);
+    EXPECT_EQ(x, 0);
+    EXPECT_EQ(complement, 1);
+    InverseBetaRegularized2(1e13, 1e-13, 0.3, &x, &complement);
+    EXPECT_EQ(x, 1);
+    EXPECT_EQ(complement, 0);
 }
 
 TEST(InverseBeta, TinyProbabilitiesDoNotThrow) {
@@ -163,6 +183,25 @@ TEST(Beta, OneInfiniteParameterPutsTheMassAtAnEnd) {
             EXPECT_EQ(BetaRegularizedC(other, kInfinity, x), 0) << other;
         }
     EXPECT_TRUE(std::isnan(BetaRegularized(kInfinity, kInfinity, 0.5)));
+}
+
+// Both tails of two small parameters are their ratio to all digits; 1 / (a b) overflows for some of these.
+TEST(Beta, TailsOfTwoSmallParameters) {
+    for (double a : {1e-307, 1e-291, 1e-279, 1e-190, 1e-101, 1e-30})
+        for (double b : {1e-307, 1e-291, 1e-100, 1e-60, 1e-21, 1e-19, 1e-18})
+            for (double x : {0.25, 0.999}) {
+                EXPECT_NEAR(BetaRegularized(a, b, x) * (1 + a / b), 1, 1e-14) << a << " " << b;
+                EXPECT_NEAR(BetaRegularizedC(a, b, x) * (1 + b / a), 1, 1e-14) << a << " " << b;
+                EXPECT_NEAR(BetaRegularizedC(b, a, x) * (1 + a / b), 1, 1e-14) << a << " " << b;
+            }
+}
+
+// x^(a + 1) loses its digits below the normal range, where I = x^a (1 + a (1 - x)) for b = 2 still has some.
+TEST(Beta, TailsOfWholeParametersWhereAPowerUnderflows) {
+    const double twoUnits = 2 * std::numeric_limits<double>::denorm_min();
+    EXPECT_NEAR(BetaRegularized(1000, 2, 123.0 / 256), 2.4076476780770738e-316, twoUnits);
+    EXPECT_NEAR(BetaRegularized(1000, 2, 245.0 / 512), 4.1133597681753208e-318, twoUnits);
+    EXPECT_NEAR(BetaRegularizedC(2, 1000, 67.0 / 128), 6.9112897588008e-320, twoUnits);
 }
 
 TEST(Beta, AgreesWithFiftyDigits) {

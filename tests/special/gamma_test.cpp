@@ -86,6 +86,19 @@ TEST(IncompleteGamma, BeyondDoubleIsInfinityWithErrno34) {
     EXPECT_EQ(call.errnoAfter, 34);
 }
 
+// From shape 170 on the complement of a small lower part comes from Gamma(a) itself, which is 169! here.
+TEST(IncompleteGamma, BelowTheMeanTheUpperPartHasTheDigitsOfTheFactorial) {
+    for (double x : {1e-3, 1.0, 60.0})
+        EXPECT_NEAR(IncompleteGammaUpper(170, x) / 4.2690680090047052749e304, 1, 1e-15);
+}
+
+// Far above the mean the upper part is summed: what the lower one leaves of Gamma(a) would have no digits.
+TEST(IncompleteGamma, FarAboveTheMeanTheUpperPartIsSummed) {
+    EXPECT_NEAR(IncompleteGammaUpper(170, 300) / 5.0220366802276875e288, 1, 1e-12);
+    EXPECT_NEAR(IncompleteGammaUpper(170, 1500) / 2.3419184661941606e-115, 1, 1e-12);
+    EXPECT_NEAR(IncompleteGammaUpper(200, 700) / 2.0572670084088527e262, 1, 1e-12);
+}
+
 TEST(Gamma, AgreesWithFiftyDigits) {
     std::mt19937_64 random(kSeed);
     std::uniform_real_distribution<double> wide(0.01, 171), exponent(-3, 2.5);
