@@ -29,7 +29,7 @@ namespace {
 
 template <class T>
 bool Allocate(std::unique_ptr<T[]>& block, std::int64_t length) {
-    // In 32 bits a new-expression throws for an array beyond the address space, even one that throws nothing else.
+    // A new-expression throws for an array beyond the address space, even one that throws nothing else.
     if (length > static_cast<std::int64_t>(PTRDIFF_MAX / sizeof(T))) return false;
     block.reset(new (std::nothrow) T[static_cast<std::size_t>(length)]());
     return block != nullptr;
