@@ -7,18 +7,18 @@
 #include <string>
 #include <utility>
 
-#include <boost/math/special_functions/gamma.hpp>
-#include <boost/multiprecision/cpp_bin_float.hpp>
-
 #include "orvanth/distributions.h"
+#include "support/errors.hpp"
+#include "support/many_digits.hpp"
 
 namespace {
 
-using Wide = boost::multiprecision::cpp_bin_float_50;
+using orvanth::test::RelativeError;
+using orvanth::test::Wide;
 
 constexpr unsigned kSeed = 20240907;
 
-Wide LogFactorial(double k) { return boost::math::lgamma(Wide(k) + 1); }
+Wide LogFactorial(double k) { return lgamma(Wide(k) + 1); }
 
 // The worst error of one row, in units of the last place and relative, with its arguments.
 class Worst {
@@ -33,7 +33,7 @@ public:
     void Add(double got, const Wide& want, double a, double b, double c, double d = NAN) {
         if (want < 1e-290) return;  // denormals have fewer digits
         ++count_;
-        const double error = static_cast<double>(abs((Wide(got) - want) / want));
+        const double error = RelativeError(got, want);
         if (error <= worst_) return;
         worst_ = error;
         char text[120];

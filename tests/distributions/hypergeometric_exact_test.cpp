@@ -7,22 +7,18 @@
 #include <random>
 #include <vector>
 
-#include <boost/multiprecision/cpp_bin_float.hpp>
-#include <boost/multiprecision/cpp_int.hpp>
-
 #include "distributions/hypergeometric_kernel.hpp"
 #include "distributions/hypergeometric_primes.hpp"
 #include "orvanth/distributions.h"
+#include "support/many_digits.hpp"
 
 namespace {
 
 using namespace orvanth;
-using boost::multiprecision::cpp_int;
-using Exact = boost::multiprecision::cpp_rational;
-// 320 bits: after 104729 products the relative error is below 2^-300.
-using Wide =
-    boost::multiprecision::number<boost::multiprecision::cpp_bin_float<320, boost::multiprecision::digit_base_2>,
-                                  boost::multiprecision::et_off>;
+using orvanth::test::ConvertTo;
+using orvanth::test::Integer;
+// After 104729 products the relative error is below 2^-300.
+using orvanth::test::Wide320;
 
 constexpr unsigned kSeed = 20261121;
 
@@ -35,46 +31,46 @@ constexpr TableEntry kTable[] = {
 #include "distributions/factorial_table.inc"
 };
 
-cpp_int Product(int first, int last) {
+Integer Product(int first, int last) {
     if (last - first > 8) {
         const int middle = (first + last) / 2;
         return Product(first, middle) * Product(middle + 1, last);
     }
-    cpp_int product = 1;
+    Integer product = 1;
     for (int k = first; k <= last; ++k) product *= k;
     return product;
 }
 
-const std::vector<Wide>& Factorials() {
-    static const std::vector<Wide> factorials = [] {
-        std::vector<Wide> made = {1};
+const std::vector<Wide320>& Factorials() {
+    static const std::vector<Wide320> factorials = [] {
+        std::vector<Wide320> made = {1};
         for (std::int64_t k = 1; k <= kLargestLongFactorial; ++k) made.push_back(made.back() * k);
         return made;
     }();
     return factorials;
 }
 
-Wide WideProbability(std::int64_t x, const HypergeometricCounts& c) {
+Wide320 WideProbability(std::int64_t x, const HypergeometricCounts& c) {
     const auto factorial = [&](std::int64_t k) { return Factorials()[static_cast<std::size_t>(k)]; };
     return factorial(c.n) * factorial(c.r) * factorial(c.N - c.n) * factorial(c.N - c.r) /
            (factorial(c.N) * factorial(x) * factorial(c.n - x) * factorial(c.r - x) * factorial(c.N - c.n - c.r + x));
 }
 
 // The distance of two neighbouring doubles at `value`.
-Wide UnitInLastPlace(const Wide& value) {
-    return ldexp(Wide(1), std::max(static_cast<int>(ilogb(value)), -1022) - 52);
+Wide320 UnitInLastPlace(const Wide320& value) {
+    return ldexp(Wide320(1), std::max(ilogb(value), -1022) - 52);
 }
 
 // Counts errors in units of the last place.
 class Judge {
 public:
     void Add(std::int64_t x, const HypergeometricCounts& c) {
-        const Wide want = WideProbability(x, c);
+        const Wide320 want = WideProbability(x, c);
         const double got = HypergeometricPDF(static_cast<double>(x), static_cast<double>(c.r),
                                              static_cast<double>(c.n), static_cast<double>(c.N));
-        const Wide error = abs(Wide(got) - want) / UnitInLastPlace(want);
+        const Wide320 error = abs(Wide320(got) - want) / UnitInLastPlace(want);
         // The reference decides: its own error is far below the distance from a half.
-        ASSERT_GT(abs(error - 0.5), ldexp(Wide(1), -200)) << Where(x, c);
+        ASSERT_GT(abs(error - 0.5), ldexp(Wide320(1), -200)) << Where(x, c);
         ASSERT_LE(error, 1) << Where(x, c);
         ++calls_;
         correct_ += error < 0.5;
@@ -121,21 +117,21 @@ private:
 };
 
 // k! is (high + low) 2^exponent to 77 bits, with high its nearest double.
-void ExpectFactorial(int k, const cpp_int& factorial) {
+void ExpectFactorial(int k, const Integer& factorial) {
     const TableEntry& entry = kTable[k / 6];
     // Scaled so that all parts are whole: high has 52 bits after the point, low at most 52 + 54 + 24.
     constexpr int kScale = 160;
-    const cpp_int sum = cpp_int(std::ldexp(entry.high, 52)) * (cpp_int(1) << (kScale - 52)) +
-                        cpp_int(std::ldexp(static_cast<double>(entry.low), kScale));
-    const cpp_int want = factorial << kScale;
-    const cpp_int error = abs((sum << entry.exponent) - want);
+    const Integer sum = Integer(std::ldexp(entry.high, 52)) * (Integer(1) << (kScale - 52)) +
+                        Integer(std::ldexp(static_cast<double>(entry.low), kScale));
+    const Integer want = factorial << kScale;
+    const Integer error = abs((sum << entry.exponent) - want);
     EXPECT_LE(error, want >> 77) << k;
     EXPECT_LE(std::fabs(entry.low), 0x1p-53) << k;
     EXPECT_TRUE(entry.high >= 1 && entry.high < 2) << k;
 }
 
 TEST(FactorialTable, FirstHundredsAndLastEntriesAreTheExactFactorials) {
-    cpp_int factorial = 1;
+    Integer factorial = 1;
     int k = 0;
     for (; k <= 1800; k += 6) {
         for (int i = k - 5; k > 0 && i <= k; ++i) factorial *= i;
@@ -151,8 +147,8 @@ TEST(FactorialTable, FirstHundredsAndLastEntriesAreTheExactFactorials) {
 TEST(FactorialTable, EveryEntryAgreesWithARunningProductOf320Bits) {
     ASSERT_EQ(std::size(kTable), 17455U);
     for (std::size_t i = 0; i < std::size(kTable); ++i) {
-        const Wide& want = Factorials()[6 * i];
-        const Wide got = ldexp(Wide(kTable[i].high) + static_cast<double>(kTable[i].low), kTable[i].exponent);
+        const Wide320& want = Factorials()[6 * i];
+        const Wide320 got = ldexp(Wide320(kTable[i].high) + static_cast<double>(kTable[i].low), kTable[i].exponent);
         ASSERT_LE(abs(got - want), want * 0x1p-77) << 6 * i;
     }
 }
@@ -191,13 +187,13 @@ TEST(HypergeometricLongFactorials, ReferenceAndPrimeFormAgreeWithExactRationals)
     for (int i = 0; i < 200; ++i) {
         const HypergeometricCounts c = random.Counts();
         const std::int64_t x = random.Variate(c);
-        cpp_int above = 1;
-        cpp_int below = 1;
+        Integer above = 1;
+        Integer below = 1;
         for (const auto& [prime, power] : test::PrimeFactors(x, c))
-            (power > 0 ? above : below) *= pow(cpp_int(prime), static_cast<unsigned>(std::abs(power)));
-        const Wide exact = Wide(above) / Wide(below);
-        const Wide reference = WideProbability(x, c);
-        ASSERT_LE(abs(reference - exact), exact * ldexp(Wide(1), -290))
+            (power > 0 ? above : below) *= pow(Integer(prime), static_cast<unsigned>(std::abs(power)));
+        const Wide320 exact = ConvertTo<Wide320>(above) / ConvertTo<Wide320>(below);
+        const Wide320 reference = WideProbability(x, c);
+        ASSERT_LE(abs(reference - exact), exact * ldexp(Wide320(1), -290))
             << x << ' ' << c.r << ' ' << c.n << ' ' << c.N;
         const double want = static_cast<double>(exact);
         ASSERT_EQ(test::ProbabilityByPrimes(x, c), want);

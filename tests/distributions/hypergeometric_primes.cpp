@@ -1,6 +1,6 @@
 #include "distributions/hypergeometric_primes.hpp"
 
-#include <boost/multiprecision/cpp_bin_float.hpp>
+#include "support/many_digits.hpp"
 
 namespace orvanth::test {
 
@@ -44,18 +44,15 @@ std::vector<std::pair<std::int32_t, int>> PrimeFactors(std::int64_t x, const Hyp
     return factors;
 }
 
-// 160 bits leave room for the roundings of some ten thousand products.
+// 320 bits leave room for the roundings of some ten thousand products.
 double ProbabilityByPrimes(std::int64_t x, const HypergeometricCounts& counts) {
-    using Wide =
-        boost::multiprecision::number<boost::multiprecision::cpp_bin_float<160, boost::multiprecision::digit_base_2>,
-                                      boost::multiprecision::et_off>;
-    Wide above = 1;
-    Wide below = 1;
+    Wide320 above = 1;
+    Wide320 below = 1;
     for (const auto& [prime, power] : PrimeFactors(x, counts)) {
         for (int i = 0; i < power; ++i) above *= prime;
         for (int i = 0; i > power; --i) below *= prime;
     }
-    return static_cast<double>(Wide(above / below));
+    return static_cast<double>(above / below);
 }
 
 }  // namespace orvanth::test

@@ -13,7 +13,7 @@ namespace orvanth::test {
 // The primes of P(X = x) and their powers, for x inside the support and N up to 104729.
 std::vector<std::pair<std::int32_t, int>> PrimeFactors(std::int64_t x, const HypergeometricCounts& counts);
 
-// P(X = x), its prime factors multiplied with 160 bits.
+// P(X = x), its prime factors multiplied with 320 bits.
 double ProbabilityByPrimes(std::int64_t x, const HypergeometricCounts& counts);
 
 }  // namespace orvanth::test

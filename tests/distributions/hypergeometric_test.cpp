@@ -8,20 +8,21 @@
 #include <vector>
 
 #include <boost/math/special_functions/prime.hpp>
-#include <boost/multiprecision/cpp_int.hpp>
 
 #include "distributions/hypergeometric_kernel.hpp"
 #include "frame/policies.hpp"
 #include "orvanth/distributions.h"
 #include "support/call.hpp"
+#include "support/many_digits.hpp"
 
 namespace {
 
 using namespace orvanth;
 using orvanth::test::CallWithErrno;
+using orvanth::test::ConvertTo;
+using orvanth::test::Integer;
+using orvanth::test::Rational;
 using orvanth::test::ThrownText;
-using Exact = boost::multiprecision::cpp_rational;
-using boost::multiprecision::cpp_int;
 
 constexpr unsigned kSeed = 20240905;
 constexpr double kAboveIntegers = 3e9;
@@ -32,15 +33,17 @@ bool EndsWith(Function function, const std::string& end) {
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-cpp_int Choose(int n, int k) {
-    cpp_int result = 1;
+Integer Choose(int n, int k) {
+    Integer result = 1;
     for (int i = 0; i < k; ++i) result = result * (n - i) / (i + 1);
     return result;
 }
 
-double ExactProbability(int x, int r, int n, int N) {
-    return static_cast<double>(Exact(Choose(r, x) * Choose(N - r, n - x), Choose(N, n)));
+Rational ExactRatio(int x, int r, int n, int N) {
+    return ConvertTo<Rational>(Choose(r, x) * Choose(N - r, n - x)) / ConvertTo<Rational>(Choose(N, n));
 }
+
+double ExactProbability(int x, int r, int n, int N) { return static_cast<double>(ExactRatio(x, r, n, N)); }
 
 TEST(HypergeometricPDF, CountsAreCutOffTowardsZero) {
     EXPECT_EQ(HypergeometricPDF(2, 3.9, 6, 20), HypergeometricPDF(2, 3, 6, 20));
@@ -219,13 +222,13 @@ TEST(Hypergeometric, EveryProbabilityOfASmallPopulationIsExact) {
     for (int N = 0; N <= 14; ++N)
         for (int r = 0; r <= N; ++r)
             for (int n = 0; n <= N; ++n) {
-                Exact sum = 0;
+                Rational sum = 0;
                 for (int x = std::max(0, n + r - N); x <= std::min(n, r); ++x) {
-                    const Exact p(Choose(r, x) * Choose(N - r, n - x), Choose(N, n));
+                    const Rational p = ExactRatio(x, r, n, N);
                     sum += p;
                     EXPECT_NEAR(HypergeometricPDF(x, r, n, N), static_cast<double>(p), 4e-16);
                     EXPECT_NEAR(HypergeometricCDF(x, r, n, N, 0), static_cast<double>(sum), 8e-16);
-                    EXPECT_NEAR(HypergeometricCDF(x, r, n, N, 1), static_cast<double>(Exact(1 - sum)), 8e-16);
+                    EXPECT_NEAR(HypergeometricCDF(x, r, n, N, 1), static_cast<double>(1 - sum), 8e-16);
                 }
                 EXPECT_EQ(sum, 1);
             }

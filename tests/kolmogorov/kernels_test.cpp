@@ -10,13 +10,12 @@
 #include <sstream>
 #include <vector>
 
-#include <boost/multiprecision/cpp_bin_float.hpp>
-
 #include "kolmogorov/durbin_matrix.hpp"
 #include "kolmogorov/kolmogorov.hpp"
 #include "kolmogorov/log_factorial.hpp"
 #include "kolmogorov/pelz_good.hpp"
 #include "kolmogorov/tails.hpp"
+#include "support/many_digits.hpp"
 
 namespace {
 
@@ -144,7 +143,7 @@ TEST(SeriesLog1p, IsTheLogarithmOnBothSidesOfItsLimit) {
 
 // The exact sum that SmirnovUpperTail evaluates by logarithms.
 double ExactTail(std::int32_t n, double x) {
-    using Wide = boost::multiprecision::cpp_bin_float_50;
+    using orvanth::test::Wide;
     const Wide wx = x, wn = n;
     Wide binomial = 1, sum = 0;
     for (std::int32_t j = 0; j <= n; ++j) {

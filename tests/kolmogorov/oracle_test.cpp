@@ -7,21 +7,22 @@
 #include <cstdio>
 #include <vector>
 
-#include <boost/multiprecision/cpp_bin_float.hpp>
-
 #include "kolmogorov/durbin_matrix.hpp"
 #include "kolmogorov/kolmogorov.hpp"
 #include "kolmogorov/pelz_good.hpp"
 #include "kolmogorov/pomeranz.hpp"
 #include "kolmogorov/tails.hpp"
 #include "orvanth/kolmogorov.h"
+#include "support/errors.hpp"
+#include "support/many_digits.hpp"
 
 namespace {
 
 using namespace orvanth::kolmogorov;
+using orvanth::test::RelativeError;
 
 // 50 digits and an exponent range that needs no scaling.
-using Wide = boost::multiprecision::cpp_bin_float_50;
+using orvanth::test::Wide;
 using WideMatrix = std::vector<std::vector<Wide>>;
 
 WideMatrix Product(const WideMatrix& a, const WideMatrix& b) {
@@ -41,7 +42,7 @@ Wide Power(const Wide& base, std::size_t exponent) {
 // P(D_n <= x) for the very double x, by the matrix of Durbin with exact factorials.
 Wide ExactCumulative(std::int32_t n, double x) {
     const Wide t = Wide(x) * n;
-    const std::size_t k = static_cast<std::size_t>(t) + 1, m = 2 * k - 1;
+    const std::size_t k = static_cast<std::size_t>(static_cast<std::int64_t>(t)) + 1, m = 2 * k - 1;
     const Wide h = Wide(k) - t;
     WideMatrix matrix(m, std::vector<Wide>(m)), result;
     for (std::size_t i = 0; i < m; ++i)
@@ -60,10 +61,6 @@ Wide ExactCumulative(std::int32_t n, double x) {
     Wide probability = result[k - 1][k - 1];
     for (std::int32_t i = 1; i <= n; ++i) probability *= Wide(i) / n;
     return probability;
-}
-
-double RelativeError(double computed, const Wide& exact) {
-    return std::fabs(static_cast<double>(computed / exact - 1));
 }
 
 TEST(DurbinMatrix, KeepsItsRelativeAccuracyFarDownInTheLowerTail) {

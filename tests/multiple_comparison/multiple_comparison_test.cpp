@@ -10,7 +10,6 @@
 #include <vector>
 
 #include <boost/math/distributions/students_t.hpp>
-#include <boost/multiprecision/cpp_bin_float.hpp>
 
 #include "frame/policies.hpp"
 #include "multiple_comparison/families.hpp"
@@ -19,6 +18,7 @@
 #include "multiple_comparison/plain_mc.hpp"
 #include "orvanth/multiple_comparison.h"
 #include "support/call.hpp"
+#include "support/many_digits.hpp"
 #include "support/table.hpp"
 
 namespace {
@@ -26,7 +26,6 @@ namespace {
 using namespace orvanth;
 using namespace orvanth::test;
 using plain::Statistic;
-using Wide = boost::multiprecision::cpp_bin_float_50;
 
 constexpr unsigned kSeed = 20240121;
 double StudentT(double df, double q) {
@@ -36,7 +35,7 @@ double StudentT(double df, double q) {
 // The rules: what a 48-point Gauss rule must integrate, it integrates.
 
 TEST(GaussHermite48, IntegratesEveryMonomialUpToDegree95) {
-    Wide moment = sqrt(boost::math::constants::pi<Wide>());  // of t^0 under exp(-t^2)
+    Wide moment = sqrt(Pi());  // of t^0 under exp(-t^2)
     for (int degree = 0; degree <= 95; ++degree) {
         Wide sum = 0, size = 0;
         for (std::size_t i = 0; i < kRulePoints; ++i) {

@@ -7,13 +7,9 @@
 #include <cstdint>
 #include <vector>
 
-#include <boost/multiprecision/cpp_bin_float.hpp>
-#include <boost/multiprecision/cpp_int.hpp>
+#include "support/many_digits.hpp"
 
 namespace orvanth::test {
-
-using Rational = boost::multiprecision::cpp_rational;
-using Integer = boost::multiprecision::cpp_int;
 
 // Exact point probabilities by rational sums.
 inline std::vector<Rational> ExactProbabilities(std::int32_t n, std::int32_t m, std::int32_t N, Rational odds) {
@@ -26,7 +22,7 @@ inline std::vector<Rational> ExactProbabilities(std::int32_t n, std::int32_t m, 
     std::vector<Rational> terms;
     Rational power = 1, sum = 0;
     for (std::int32_t x = lo; x <= hi; ++x, power *= odds) {
-        terms.push_back(Rational(binomial(m, x) * binomial(N - m, n - x)) * power);
+        terms.push_back(ConvertTo<Rational>(binomial(m, x) * binomial(N - m, n - x)) * power);
         sum += terms.back();
     }
     for (Rational& term : terms) term /= sum;
@@ -53,8 +49,7 @@ inline double ExactCumulative(std::int32_t x, std::int32_t n, std::int32_t m, st
         rest = rest * (n - k) / (N - m - n + k + 1);
         power *= odd;
     }
-    using Wide = boost::multiprecision::cpp_bin_float_50;
-    return static_cast<double>(Wide(lower) / Wide(sum));
+    return static_cast<double>(ConvertTo<Wide>(lower) / ConvertTo<Wide>(sum));
 }
 
 }  // namespace orvanth::test

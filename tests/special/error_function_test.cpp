@@ -7,26 +7,22 @@
 #include <stdexcept>
 
 #include <boost/math/special_functions/erf.hpp>
-#include <boost/multiprecision/cpp_bin_float.hpp>
 
 #include "frame/policies.hpp"
 #include "orvanth/special.h"
 #include "support/call.hpp"
+#include "support/errors.hpp"
+#include "support/many_digits.hpp"
 
 namespace {
 
 using namespace orvanth;
 using orvanth::test::CallWithErrno;
 using orvanth::test::ThrownText;
-using Wide = boost::multiprecision::cpp_bin_float_50;
+using orvanth::test::UlpError;
+using orvanth::test::Wide;
 
 constexpr unsigned kSeed = 20240117;
-
-double UlpError(double got, const Wide& want) {
-    const double nearest = static_cast<double>(want);
-    const double ulp = std::nextafter(std::fabs(nearest), kInfinity) - std::fabs(nearest);
-    return static_cast<double>(abs(Wide(got) - want) / Wide(ulp));
-}
 
 // The faster number type changes no bit of Boost's functions of a double, at the borders of their forms either.
 TEST(Erf, HasTheBitsOfTheDirectCall) {
@@ -82,8 +78,8 @@ TEST(Erf, AgreesWithFiftyDigits) {
     double worst = 0, worstComplement = 0;
     for (int i = 0; i < 3000; ++i) {
         const double x = point(random);
-        worst = std::max(worst, UlpError(Erf(x), boost::math::erf(Wide(x))));
-        worstComplement = std::max(worstComplement, UlpError(ErfC(x), boost::math::erfc(Wide(x))));
+        worst = std::max(worst, UlpError(Erf(x), erf(Wide(x))));
+        worstComplement = std::max(worstComplement, UlpError(ErfC(x), erfc(Wide(x))));
     }
     std::printf("  seed %u; worst error of Erf %.2f ulp, of ErfC %.2f ulp\n", kSeed, worst, worstComplement);
     EXPECT_LT(worst, 2.5);

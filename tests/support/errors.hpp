@@ -1,6 +1,6 @@
-// Higher precision as the judge, and the worst error seen, in units in the last place.
-#ifndef ORVANTH_TESTS_SPECIAL_ORACLE_HPP
-#define ORVANTH_TESTS_SPECIAL_ORACLE_HPP
+// Errors of results in double against a judge of many digits.
+#ifndef ORVANTH_TESTS_SUPPORT_ERRORS_HPP
+#define ORVANTH_TESTS_SUPPORT_ERRORS_HPP
 
 #include <gtest/gtest.h>
 
@@ -8,12 +8,26 @@
 #include <cstdio>
 #include <limits>
 #include <string>
+#include <utility>
 
-#include <boost/multiprecision/cpp_bin_float.hpp>
+#include "support/many_digits.hpp"
 
 namespace orvanth::test {
 
-using Wide = boost::multiprecision::cpp_bin_float_50;
+// A NaN is infinitely wrong, so that no maximum passes over it.
+inline double ErrorOrInfinity(const Wide& error) {
+    const double value = static_cast<double>(error);
+    return std::isnan(value) ? std::numeric_limits<double>::infinity() : value;
+}
+
+// In units in the last place of the double nearest to `want`.
+inline double UlpError(double got, const Wide& want) {
+    const double nearest = std::fabs(static_cast<double>(want));
+    const double ulp = std::nextafter(nearest, std::numeric_limits<double>::infinity()) - nearest;
+    return ErrorOrInfinity(abs(got - want) / ulp);
+}
+
+inline double RelativeError(double got, const Wide& want) { return ErrorOrInfinity(abs((got - want) / want)); }
 
 // Prints its worst row when it goes, and fails if that exceeds what is recorded in docs/accuracy.
 class WorstUlps {
@@ -30,10 +44,8 @@ public:
 
     void Add(double got, const Wide& want, double a, double b = 0, double c = 0) {
         ++rows_;
-        const double nearest = std::fabs(static_cast<double>(want));
-        const double ulp = std::nextafter(nearest, std::numeric_limits<double>::infinity()) - nearest;
-        const double error = static_cast<double>(abs(Wide(got) - want) / Wide(ulp));
-        if (error > worst_ || std::isnan(error)) {
+        const double error = UlpError(got, want);
+        if (error > worst_) {
             worst_ = error;
             at_[0] = a;
             at_[1] = b;
