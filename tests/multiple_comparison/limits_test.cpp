@@ -3,11 +3,7 @@
 
 #include <new>
 #include <stdexcept>
-#include <tuple>
 #include <typeinfo>
-
-#include <boost/math/distributions/students_t.hpp>
-#include <boost/math/tools/toms748_solve.hpp>
 
 #include "frame/policies.hpp"
 #include "multiple_comparison/families.hpp"
@@ -17,7 +13,6 @@ namespace {
 
 using namespace orvanth;
 using namespace orvanth::test;
-using plain::Statistic;
 
 TEST(MCTailFlag, OnlyTheLowByteCountsInEveryExport) {
     for (const Family& family : kFamilies) {
@@ -90,23 +85,6 @@ TEST(MCGroups, AQuantileOfFewerThanTwoThrows) {
                 << k;
 }
 
-// The quantile as the solver gives it from the plain double loop, with any number of bits.
-double QuantileTo(unsigned bits, const Family& family, double p, std::int32_t k, double df) {
-    const boost::math::students_t_distribution<double, DefaultPolicy> student(df);
-    const double comparisons = family.statistic == Statistic::kTukey ? k * (k - 1) / 2 : k - 1;
-    const double sides = family.statistic == Statistic::kHsu ? 1 : 2, alpha = 1.0 - p;
-    double low = -boost::math::quantile(student, alpha / sides);
-    double high = -boost::math::quantile(student, alpha / (sides * comparisons));
-    const auto function = [&](double x) {
-        return plain::Cumulative(family.statistic, x, k, df, kEqualGroups.data()) - p;
-    };
-    std::uintmax_t evaluations = 198;
-    std::tie(low, high) = boost::math::tools::toms748_solve(function, low, high, function(low), function(high),
-                                                            boost::math::tools::eps_tolerance<double>(bits),
-                                                            evaluations, DefaultPolicy());
-    return (high - low) * 0.5 + low;
-}
-
 // Points at which one bit fewer, or one bit more, ends the solver at another bracket.
 struct BitPoint {
     int family;
@@ -122,8 +100,10 @@ TEST(MCQuantile, IsTheSolversMidpointAtExactly24Bits) {
     for (const BitPoint& point : kBitPoints) {
         const Family& family = kFamilies[point.family];
         const double x = family.quantile(point.p, point.k, point.df, kEqualGroups.data(), 0);
-        EXPECT_EQ(x, QuantileTo(24, family, point.p, point.k, point.df)) << point.family << " " << point.p;
-        EXPECT_NE(x, QuantileTo(point.otherBits, family, point.p, point.k, point.df))
+        EXPECT_EQ(x, plain::Quantile(family.statistic, point.p, point.k, point.df, kEqualGroups.data(), 24))
+            << point.family << " " << point.p;
+        EXPECT_NE(x,
+                  plain::Quantile(family.statistic, point.p, point.k, point.df, kEqualGroups.data(), point.otherBits))
             << point.family << " " << point.p;
     }
 }

@@ -9,8 +9,6 @@
 #include <thread>
 #include <vector>
 
-#include <boost/math/distributions/students_t.hpp>
-
 #include "frame/policies.hpp"
 #include "multiple_comparison/families.hpp"
 #include "multiple_comparison/mc.hpp"
@@ -26,11 +24,9 @@ namespace {
 using namespace orvanth;
 using namespace orvanth::test;
 using plain::Statistic;
+using plain::StudentT;
 
 constexpr unsigned kSeed = 20240121;
-double StudentT(double df, double q) {
-    return boost::math::quantile(boost::math::students_t_distribution<double, DefaultPolicy>(df), q);
-}
 
 // The rules: what a 48-point Gauss rule must integrate, it integrates.
 

@@ -1,5 +1,7 @@
 #include "support/many_digits.hpp"
 
+#include <memory>
+
 #include "support/many_digits_type.hpp"
 
 namespace orvanth::test {
