@@ -20,6 +20,10 @@ hits=$(grep -nE '\bthrow\b|\berrno *=[^=]' -r src --include='*.cpp' --include='*
 hits=$(grep -nE '#include <(unistd|sys/|dlfcn|pthread|windows)' -r src --include='*.cpp' --include='*.hpp' | grep -vE '^src/(frame|windows)/' || true)
 [ -z "$hits" ] || { echo "platform headers belong in frame/ or windows/:"; echo "$hits"; status=1; }
 
+# The templates of numbers with many digits are compiled once: each file that includes them takes seconds more.
+hits=$(grep -rn '#include <boost/multiprecision' src tests --include='*.cpp' --include='*.hpp' | grep -v '^tests/support/many_digits' || true)
+[ -z "$hits" ] || { echo "include support/many_digits.hpp and link test_oracles:"; echo "$hits"; status=1; }
+
 # No file over 400 lines without a reason: generated tables are data.
 while read -r lines file; do
     [ "$lines" -le 400 ] || { echo "$file has $lines lines; split it at 400"; status=1; }
