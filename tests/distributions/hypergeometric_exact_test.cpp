@@ -57,9 +57,7 @@ Wide320 WideProbability(std::int64_t x, const HypergeometricCounts& c) {
 }
 
 // The distance of two neighbouring doubles at `value`.
-Wide320 UnitInLastPlace(const Wide320& value) {
-    return ldexp(Wide320(1), std::max(ilogb(value), -1022) - 52);
-}
+Wide320 UnitInLastPlace(const Wide320& value) { return ldexp(Wide320(1), std::max(ilogb(value), -1022) - 52); }
 
 // Counts errors in units of the last place.
 class Judge {
