@@ -18,9 +18,9 @@ inline MatrixView ViewFromPointer(double* matrix, const MatrixDescriptor* descri
     return {matrix, descriptor->rows, descriptor->columns, descriptor->leadingDimension};
 }
 
-// For the exports that honour `offset`.
+// For the exports that honour `offset`. The null pointer of an empty matrix stays null: adding to it is undefined.
 inline MatrixView ViewFromOffset(double* matrix, const MatrixDescriptor* descriptor) noexcept {
-    return ViewFromPointer(matrix + descriptor->offset, descriptor);
+    return ViewFromPointer(matrix != nullptr ? matrix + descriptor->offset : nullptr, descriptor);
 }
 
 // The character arguments of LAPACK.

@@ -173,6 +173,21 @@ double InverseGammaQ(double a, double q) {
         [](double x) { return !std::isnan(x); }, bisect);
 }
 
+namespace {
+
+constexpr double kLargestInt = 0x7fffffff;
+
+// ln|Gamma(x)| for an x below zero that is no integer, by the reflection of Boost's lgamma and with its bits. Boost
+// turns the whole part of x into an int, which may not hold it.
+double ReflectedGammaLn(double x) {
+    const double fraction = std::ceil(x) - x;
+    const double distance = fraction > 0.5 ? 1 - fraction : fraction;
+    const double product = -x * std::sin(distance * std::numbers::pi);
+    return std::log(std::numbers::pi) - boost::math::lgamma(-x, DefaultPolicy()) - std::log(product);
+}
+
+}  // namespace
+
 }  // namespace orvanth
 
 using namespace orvanth;
@@ -192,6 +207,7 @@ ORVANTH_API(double) GammaLn(double x) {
     if (std::isnan(x)) return x;
     if (x <= 0 && std::floor(x) == x)
         return RaiseDomain(function, "Evaluation of lgamma at a negative integer %1%.", x, kLongDouble);
+    if (x < -kLargestInt) return ReflectedGammaLn(x);
     return Narrow(boost::math::lgamma(x, LateOverflowPolicy()), function);
 }
 

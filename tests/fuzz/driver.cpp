@@ -27,7 +27,7 @@ namespace {
 
 using namespace orvanth::fuzz;
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(ORVANTH_ADDRESS_SANITIZER)
 constexpr bool kSanitized = true;
 constexpr int kSecondsOfACall = 60;  // of processor time
 #else
@@ -214,7 +214,7 @@ int RunAll(double seconds, std::uint64_t seed, const char* part) {
 
 }  // namespace
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(ORVANTH_ADDRESS_SANITIZER)
 // The sanitizers say what is wrong; this says in which call.
 extern "C" void __asan_on_error() { WriteViolation("a report of a sanitizer", ""); }
 extern "C" const char* __asan_default_options() { return "detect_leaks=0:allocator_may_return_null=1:handle_segv=0"; }

@@ -18,7 +18,7 @@ namespace orvanth::fuzz {
 
 // Under the address sanitizer a block ends where the array ends, so that it sees a read beyond it; elsewhere a
 // pattern around the array shows a write.
-#if defined(__SANITIZE_ADDRESS__) || defined(ORVANTH_FUZZ_ASAN)
+#if defined(ORVANTH_ADDRESS_SANITIZER)
 inline constexpr std::size_t kGuard = 0;
 #else
 inline constexpr std::size_t kGuard = 64;

@@ -12,7 +12,7 @@
 
 namespace {
 
-#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+#if defined(__SANITIZE_THREAD__) || defined(ORVANTH_ADDRESS_SANITIZER)
 constexpr int kRounds = 200, kLeastSquaresCalls = 200;
 #else
 constexpr int kRounds = 2500, kLeastSquaresCalls = 25000;

@@ -135,6 +135,13 @@ TEST(Reach, LogGammaStandsUpToTheOverflow) {
               "Error in function boost::math::lgamma<double>(double): numeric overflow");
 }
 
+// The parity of the whole part does not fit an int there.
+TEST(Reach, LogGammaFarBelowZero) {
+    EXPECT_NEAR(GammaLn(-2147483647.5) / -43996705664.977575756, 1, 1e-15);
+    EXPECT_NEAR(GammaLn(-2147483648.25) / -43996705680.746674113, 1, 1e-15);
+    EXPECT_NEAR(GammaLn(-18811300000000.5) / -556165092648971.60683, 1, 1e-15);
+}
+
 TEST(Reach, TheTestsOfTheRegularizedBetaComeInTheOrderABZeroX) {
     EXPECT_EQ(BetaRegularized(0, 1, 1.5), 1);
     EXPECT_EQ(BetaRegularizedC(1, 0, -1), 1);

@@ -3,7 +3,7 @@
 #ifndef ORVANTH_TESTS_SUPPORT_HEAP_HPP
 #define ORVANTH_TESTS_SUPPORT_HEAP_HPP
 
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) && !defined(_WIN32)
+#if !defined(ORVANTH_ADDRESS_SANITIZER) && !defined(__SANITIZE_THREAD__) && !defined(_WIN32)
 #define ORVANTH_HEAP_IS_PLAIN
 
 #include <malloc.h>
