@@ -12,9 +12,9 @@ clang-format --dry-run --Werror "${sources[@]}" || {
 /usr/bin/python3 tools/generate_hosts.py --check || status=1
 
 # Failure is raised in one place, and caught in one place.
-hits=$(grep -nE '\bthrow\b|\berrno *=[^=]' -r src --include='*.cpp' --include='*.hpp' | grep -vE '^src/(frame/policies|shield/(guard|each|last_failure))\.' |
+hits=$(grep -nE '\bthrow\b|\berrno *=[^=]' -r src --include='*.cpp' --include='*.hpp' | grep -vE '^src/(frame/failure|shield/(guard|each|last_failure))\.' |
        grep -vE '^[^:]+:[0-9]+: *//' || true)
-[ -z "$hits" ] || { echo "throw and errno belong in frame/policies and the shield's guard; call a Raise function there:"; echo "$hits"; status=1; }
+[ -z "$hits" ] || { echo "throw and errno belong in frame/failure and the shield's guard; call a Raise function there:"; echo "$hits"; status=1; }
 
 # Platform matters stay in frame/, those of Windows alone in windows/.
 hits=$(grep -nE '#include <(unistd|sys/|dlfcn|pthread|windows)' -r src --include='*.cpp' --include='*.hpp' | grep -vE '^src/(frame|windows)/' || true)

@@ -40,7 +40,7 @@ STAND_ON = {"frame": ("special", "distributions"), "special": ("distributions",)
 SHARED_TESTS = {"special": ("continuous_test",), "distributions": ("reach_test", "extremes_test")}
 # A table of numbers and a header that everything includes get no more than this many mutants.
 FEW = 3
-WIDE_HEADERS = ("src/frame/policies.hpp", "src/frame/boost_detail.hpp", "src/frame/platform.hpp", "src/frame/flags.hpp")
+WIDE_HEADERS = tuple(f"src/frame/{name}.hpp" for name in ("failure", "policies", "boost_detail", "platform", "flags"))
 ENVIRONMENT = {**os.environ, "OPENBLAS_NUM_THREADS": "1", "CCACHE_BASEDIR": str(ROOT), "CCACHE_NOHASHDIR": "1"}
 
 SWAPS = {

@@ -2,8 +2,8 @@
 
 #include "distributions/binomial_quantile.hpp"
 #include "distributions/checks.hpp"
+#include "frame/failure.hpp"
 #include "frame/flags.hpp"
-#include "frame/policies.hpp"
 #include "orvanth/distributions.h"
 #include "special/beta.hpp"
 

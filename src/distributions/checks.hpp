@@ -5,7 +5,7 @@
 
 #include <cmath>
 
-#include "frame/policies.hpp"
+#include "frame/failure.hpp"
 
 namespace orvanth {
 

@@ -1,8 +1,8 @@
 #include <limits>
 
 #include "distributions/checks.hpp"
+#include "frame/failure.hpp"
 #include "frame/flags.hpp"
-#include "frame/policies.hpp"
 #include "orvanth/distributions.h"
 #include "special/beta.hpp"
 

@@ -1,6 +1,6 @@
 #include "distributions/checks.hpp"
+#include "frame/failure.hpp"
 #include "frame/flags.hpp"
-#include "frame/policies.hpp"
 #include "orvanth/distributions.h"
 #include "special/gamma.hpp"
 

@@ -3,8 +3,8 @@
 #include <limits>
 
 #include "distributions/hypergeometric_kernel.hpp"
+#include "frame/failure.hpp"
 #include "frame/flags.hpp"
-#include "frame/policies.hpp"
 #include "orvanth/distributions.h"
 
 namespace {

@@ -5,8 +5,8 @@
 #include <cmath>
 #include <limits>
 
+#include "frame/failure.hpp"
 #include "frame/platform.hpp"
-#include "frame/policies.hpp"
 
 namespace orvanth {
 

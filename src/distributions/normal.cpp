@@ -2,8 +2,8 @@
 #include <limits>
 #include <numbers>
 
+#include "frame/failure.hpp"
 #include "frame/flags.hpp"
-#include "frame/policies.hpp"
 #include "orvanth/distributions.h"
 #include "special/error_function.hpp"
 

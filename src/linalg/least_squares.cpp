@@ -1,6 +1,6 @@
 // Least squares and triangular systems. LS and OLS honour `offset`, SolveTriangularSystem does not.
+#include "frame/failure.hpp"
 #include "frame/load_state.hpp"
-#include "frame/policies.hpp"
 #include "linalg/collinearity_qr.hpp"
 #include "linalg/lapack.hpp"
 #include "linalg/matrix_descriptor.hpp"

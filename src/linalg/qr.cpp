@@ -1,6 +1,6 @@
 // Householder QR and the use of its Q. One LAPACK call each, in the fixed workspace.
+#include "frame/failure.hpp"
 #include "frame/load_state.hpp"
-#include "frame/policies.hpp"
 #include "linalg/lapack.hpp"
 #include "linalg/matrix_descriptor.hpp"
 #include "orvanth/linalg.h"

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <limits>
 
+#include "frame/failure.hpp"
 #include "frame/load_state.hpp"
-#include "frame/policies.hpp"
 #include "linalg/finite.hpp"
 #include "linalg/lapack.hpp"
 #include "linalg/matrix_descriptor.hpp"

@@ -1,5 +1,5 @@
 // The symmetric eigenproblem. `offset` is ignored: the view starts at the pointer itself.
-#include "frame/policies.hpp"
+#include "frame/failure.hpp"
 #include "linalg/finite.hpp"
 #include "linalg/lapack.hpp"
 #include "linalg/matrix_descriptor.hpp"

@@ -1,5 +1,5 @@
+#include "frame/failure.hpp"
 #include "frame/flags.hpp"
-#include "frame/policies.hpp"
 #include "multiple_comparison/mc.hpp"
 #include "orvanth/multiple_comparison.h"
 

@@ -8,7 +8,7 @@
 #include <cmath>
 #include <cstddef>
 
-#include "frame/policies.hpp"
+#include "frame/failure.hpp"
 #include "multiple_comparison/mc.hpp"
 #include "multiple_comparison/normal_form.hpp"
 

@@ -6,9 +6,9 @@
 #include <optional>
 #include <span>
 
+#include "frame/failure.hpp"
 #include "frame/flags.hpp"
 #include "frame/load_state.hpp"
-#include "frame/policies.hpp"
 #include "noncentral_hypergeometric/fnc_probability.hpp"
 #include "noncentral_hypergeometric/fnc_record.hpp"
 #include "noncentral_hypergeometric/fnc_table.hpp"

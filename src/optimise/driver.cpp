@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <new>
 
-#include "frame/policies.hpp"
+#include "frame/failure.hpp"
 #include "optimise/driver_state.hpp"
 #include "orvanth/optimise.h"
 

@@ -1,7 +1,7 @@
 #include <cstddef>
 #include <new>
 
-#include "frame/policies.hpp"
+#include "frame/failure.hpp"
 #include "orvanth/random.h"
 #include "random/bad_parameter.hpp"
 #include "random/mersenne_twister.hpp"

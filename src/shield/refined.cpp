@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <span>
 
+#include "frame/failure.hpp"
 #include "frame/flags.hpp"
-#include "frame/policies.hpp"
 #include "multiple_comparison/refined.hpp"
 
 namespace orvanth::shield {

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "frame/boost_detail.hpp"
-#include "frame/policies.hpp"
+#include "frame/failure.hpp"
 #include "special/beta.hpp"
 #include "special/beta_limits.hpp"
 #include "special/quantile_search.hpp"

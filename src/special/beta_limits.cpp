@@ -4,7 +4,7 @@
 #include <limits>
 #include <numbers>
 
-#include "frame/policies.hpp"
+#include "frame/failure.hpp"
 #include "special/beta.hpp"
 #include "special/error_function.hpp"
 #include "special/gamma.hpp"

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <random>
 
-#include "frame/policies.hpp"
+#include "frame/failure.hpp"
 #include "orvanth/distributions.h"
 #include "orvanth/special.h"
 #include "support/call.hpp"

@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <typeinfo>
 
-#include "frame/policies.hpp"
+#include "frame/failure.hpp"
 #include "multiple_comparison/families.hpp"
 #include "support/call.hpp"
 

@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "frame/policies.hpp"
+#include "frame/failure.hpp"
 #include "multiple_comparison/families.hpp"
 #include "multiple_comparison/mc.hpp"
 #include "multiple_comparison/normal_form.hpp"

@@ -9,7 +9,7 @@
 #include <random>
 #include <string>
 
-#include "frame/policies.hpp"
+#include "frame/failure.hpp"
 #include "multiple_comparison/families.hpp"
 #include "multiple_comparison/refined.hpp"
 #include "support/table.hpp"

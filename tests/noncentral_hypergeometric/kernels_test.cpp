@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "frame/failure.hpp"
 #include "frame/load_state.hpp"
-#include "frame/policies.hpp"
 #include "noncentral_hypergeometric/exact_sums.hpp"
 #include "noncentral_hypergeometric/fnc_probability.hpp"
 #include "noncentral_hypergeometric/fnc_record.hpp"

@@ -6,7 +6,7 @@
 #include <iterator>
 #include <random>
 
-#include "frame/policies.hpp"
+#include "frame/failure.hpp"
 #include "orvanth/special.h"
 #include "random/erf_inv.hpp"
 #include "streams.hpp"

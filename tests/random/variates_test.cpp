@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <thread>
 
-#include "frame/policies.hpp"
+#include "frame/failure.hpp"
 #include "orvanth/kolmogorov.h"
 #include "orvanth/random.h"
 #include "orvanth/special.h"

@@ -8,7 +8,7 @@
 #include <random>
 #include <stdexcept>
 
-#include "frame/policies.hpp"
+#include "frame/failure.hpp"
 #include "orvanth/special.h"
 #include "support/call.hpp"
 #include "support/errors.hpp"

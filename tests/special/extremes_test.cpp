@@ -10,7 +10,7 @@
 #include <string>
 #include <type_traits>
 
-#include "frame/policies.hpp"
+#include "frame/failure.hpp"
 #include "orvanth/core_math.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <random>
 #include <stdexcept>
 
-#include "frame/policies.hpp"
+#include "frame/failure.hpp"
 #include "orvanth/core_math.h"
 #include "support/call.hpp"
 

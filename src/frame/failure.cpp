@@ -1,13 +1,15 @@
-#include "frame/policies.hpp"
+#include "frame/failure.hpp"
 
+#include <charconv>
 #include <new>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include <boost/exception/exception.hpp>
-#include <boost/format.hpp>
 #include <boost/throw_exception.hpp>
+
+#include "frame/policies.hpp"
 
 namespace orvanth {
 
@@ -34,10 +36,12 @@ std::string Text(const char* function, const char* message, const char* type) {
 }
 
 std::string Text(const char* function, const char* message, double value, const char* type) {
-    const std::string digits = boost::str(boost::format("%." + std::to_string(kValueDigits) + "g") % value);
+    char digits[32];
+    const auto end =
+        std::to_chars(digits, digits + sizeof digits, value, std::chars_format::general, kValueDigits).ptr;
     return ReplaceAll(
         Opening(function, type) + (message ? message : "Cause unknown: error caused by bad argument with value %1%"),
-        "%1%", digits);
+        "%1%", std::string_view(digits, end));
 }
 
 // The object that travels wraps the class so that boost::current_exception can clone it.
