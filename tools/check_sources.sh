@@ -38,6 +38,6 @@ hits=$(git ls-files | grep -vE '^(third_party/|tests/data/|THIRD_PARTY_NOTICES|t
 hits=$(git ls-files 'tools/*.py' 'tests/*.py' 'benchmarks/*.py' 'hosts/*.py' | xargs -d '\n' grep -nE 'examples.*tour' || true)
 [ -z "$hits" ] || { echo "what an example shares with tools and tests belongs in tools/:"; echo "$hits"; status=1; }
 
-tools/check_names.sh || status=1
+/usr/bin/python3 tools/check_names.py || status=1
 
 exit $status
