@@ -63,6 +63,21 @@ if(ORVANTH_WERROR)
   list(APPEND ORVANTH_WARNINGS -Werror)
 endif()
 
+# add_common_headers(<target>): the headers that nearly every test includes are compiled once for all of them. With g++
+# alone: files compiled ahead by clang name the folder of the build, so a cache of the compiler could not serve them.
+function(add_common_headers target)
+  if(NOT CMAKE_CXX_COMPILER_ID STREQUAL GNU OR WIN32)
+    return()
+  endif()
+  get_property(owner GLOBAL PROPERTY orvanth_common_headers)
+  if(owner)
+    target_precompile_headers(${target} REUSE_FROM ${owner})
+  else()
+    target_precompile_headers(${target} PRIVATE <gtest/gtest.h> <cmath> <cstdio> <cstring> <random>)
+    set_property(GLOBAL PROPERTY orvanth_common_headers ${target})
+  endif()
+endfunction()
+
 # add_core_test(<name> <sources>...): a GoogleTest program. It links the library's objects, so that
 # kernels behind the boundary can be tested; tests of exports go through the same objects.
 function(add_core_test name)
@@ -70,6 +85,7 @@ function(add_core_test name)
   target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:${ORVANTH_WARNINGS}>)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_link_libraries(${name} PRIVATE core_math_objects GTest::gtest_main)
+  add_common_headers(${name})
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES LABELS program TIMEOUT 600 ENVIRONMENT "OPENBLAS_NUM_THREADS=1")
 endfunction()
