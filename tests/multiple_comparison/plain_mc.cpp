@@ -10,6 +10,7 @@
 #include <boost/math/special_functions/gamma.hpp>
 #include <boost/math/tools/toms748_solve.hpp>
 
+#include "frame/boost_detail.hpp"  // the library's own forms of templates of Boost
 #include "frame/policies.hpp"
 #include "multiple_comparison/gauss48.hpp"
 
