@@ -1,5 +1,6 @@
 #include "frame/failure.hpp"
 
+#include <cerrno>
 #include <charconv>
 #include <new>
 #include <stdexcept>
