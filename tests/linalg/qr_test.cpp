@@ -90,7 +90,8 @@ TEST(QR, OffsetShiftsTheView) {
     ASSERT_EQ(QR(shifted.Data(), shifted.Descriptor(), tauShifted), 0);
     ASSERT_EQ(QR(plain.Data(), plain.Descriptor(), tauPlain), 0);
     for (int j = 0; j < 2; ++j)
-        for (int i = 0; i < 4; ++i) EXPECT_EQ(shifted(i, j), plain(i, j));
+        // Some kernels of OpenBLAS add in another order at another address.
+        for (int i = 0; i < 4; ++i) EXPECT_DOUBLE_EQ(shifted(i, j), plain(i, j));
     EXPECT_TRUE(shifted.IsPaddingIntact());
 }
 
