@@ -13,7 +13,7 @@ using namespace orvanth;
 
 // The checks of the three functions below run twice, once for the distribution and once for the
 // call. The first only notes errno, so an infinite x may still be answered.
-bool HasValidParameters(double mean, double sd) {
+bool HasValidMeanAndSd(double mean, double sd) {
     constexpr const char* function = "boost::math::normal_distribution<%1%>::normal_distribution";
     if (!(sd > 0) || !std::isfinite(sd)) {
         RaiseDomain(function, "Scale parameter is %1%, but must be > 0 !", sd);
@@ -42,7 +42,7 @@ double ErrorFunctionArgument(double x, double mean, double sd) {
 
 ORVANTH_API(double) NormalPDF(double x, double mean, double sd) {
     Silent silent;
-    const bool valid = HasValidParameters(mean, sd);
+    const bool valid = HasValidMeanAndSd(mean, sd);
     if (std::isinf(x)) return 0;  // before the parameters decide
     if (!valid) return kNaN;
     if (std::isnan(x)) return RejectVariate(x);
@@ -58,7 +58,7 @@ ORVANTH_API(double) NormalPDF(double x, double mean, double sd) {
 // The two tails differ in order: the upper one answers an infinite x ahead of the parameters.
 ORVANTH_API(double) NormalCDF(double x, double mean, double sd, TailFlag tail) {
     Silent silent;
-    const bool valid = HasValidParameters(mean, sd);
+    const bool valid = HasValidMeanAndSd(mean, sd);
     if (!IsSet(tail)) {
         if (!valid) return kNaN;
         if (std::isinf(x)) return x > 0 ? 1 : 0;
@@ -73,7 +73,7 @@ ORVANTH_API(double) NormalCDF(double x, double mean, double sd, TailFlag tail) {
 
 ORVANTH_API(double) NormalICDF(double p, double mean, double sd, TailFlag tail) {
     Silent silent;
-    if (!HasValidParameters(mean, sd)) return kNaN;
+    if (!HasValidMeanAndSd(mean, sd)) return kNaN;
     if (!(p >= 0 && p <= 1))
         return RaiseDomain("boost::math::quantile(const normal_distribution<%1%>&, %1%)",
                            "Probability argument is %1%, but must be >= 0 and <= 1 !", p);

@@ -17,9 +17,9 @@ using namespace orvanth;
 
 namespace {
 
-constexpr const char* kFunction = "boost::math::students_t_distribution<%1%>::students_t_distribution";
+constexpr const char* kStudentT = "boost::math::students_t_distribution<%1%>::students_t_distribution";
 
-constexpr const char* kQuantile = "boost::math::students_t_quantile<%1%>(%1%,%1%)";
+constexpr const char* kStudentTQuantile = "boost::math::students_t_quantile<%1%>(%1%,%1%)";
 
 double Cumulative(double x, double df) {
     if (x == 0) return 0.5;
@@ -45,7 +45,7 @@ double QuantileFromBeta(double tail, double df) {
     const double logTwoTails = tail < 0.25 ? std::log(2 * tail) : std::log1p(2 * tail - 1);
     const double logX = logTwoTails / a + LogBetaPerShape(a);
     if (logX < kTinyLogX) return std::exp((std::log(df) - logX) / 2);
-    const BetaPoint point = InverseBetaPoint(kQuantile, a, 0.5, 2 * tail, 1 - 2 * tail);
+    const BetaPoint point = InverseBetaPoint(kStudentTQuantile, a, 0.5, 2 * tail, 1 - 2 * tail);
     return std::sqrt(df) * std::sqrt(point.y / point.x);
 }
 
@@ -60,10 +60,10 @@ bool HasDerivative(double t, double df) {
 constexpr double kTinyDf = 1e-300;
 
 double Quantile(double p, double df) {
-    if (p == 0) return -RaiseOverflow(kFunction);
-    if (p == 1) return RaiseOverflow(kFunction);
+    if (p == 0) return -RaiseOverflow(kStudentT);
+    if (p == 1) return RaiseOverflow(kStudentT);
     if (p == 0.5) return 0;
-    if (!CheckProbability(kFunction, p)) return kNaN;
+    if (!CheckProbability(kStudentT, p)) return kNaN;
     const double tail = p < 0.5 ? p : 1 - p;
     const auto fromBeta = [=] { return QuantileFromBeta(tail, df); };
     const auto estimate = [=] {
@@ -71,8 +71,8 @@ double Quantile(double p, double df) {
         return std::fabs(boost::math::quantile(boost::math::students_t_distribution<double, DefaultPolicy>(df), p));
     };
     const double t = SearchOrFinish(
-        kQuantile, estimate, [=](double found) { return HasDerivative(found, df); }, fromBeta);
-    return p < 0.5 ? -Narrow(t, kQuantile) : Narrow(t, kQuantile);
+        kStudentTQuantile, estimate, [=](double found) { return HasDerivative(found, df); }, fromBeta);
+    return p < 0.5 ? -Narrow(t, kStudentTQuantile) : Narrow(t, kStudentTQuantile);
 }
 
 }  // namespace
@@ -80,7 +80,7 @@ double Quantile(double p, double df) {
 // x is not tested: an infinite one gives 0, a NaN passes through.
 ORVANTH_API(double) StudentTPDF(double x, double df) {
     Silent silent;
-    if (!CheckDf(kFunction, df)) return kNaN;
+    if (!CheckDf(kStudentT, df)) return kNaN;
     // B(df/2, 1/2) = 2/df to all digits, and overflows for a subnormal df.
     if (df < kTinyDf) return df / 2 / std::hypot(x, std::sqrt(df));
     const double u = x * x / df;
@@ -91,16 +91,16 @@ ORVANTH_API(double) StudentTPDF(double x, double df) {
 // There is no complement form: the flag negates x.
 ORVANTH_API(double) StudentTCDF(double x, double df, TailFlag tail) {
     Silent silent;
-    if (!CheckDf(kFunction, df)) return kNaN;
+    if (!CheckDf(kStudentT, df)) return kNaN;
     return Cumulative(IsSet(tail) ? -x : x, df);
 }
 
 // Required: the early return needs a bad df and a good p; otherwise p goes on as it is.
 ORVANTH_API(double) StudentTICDF(double p, double df, TailFlag tail) {
     Silent silent;
-    const bool valid = CheckDf(kFunction, df);
+    const bool valid = CheckDf(kStudentT, df);
     if (!valid) {
-        CheckProbability(kFunction, p);
+        CheckProbability(kStudentT, p);
         return kNaN;
     }
     const double x = Quantile(p, df);

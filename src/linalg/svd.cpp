@@ -16,8 +16,8 @@ namespace {
 using namespace orvanth;
 
 // Arguments 4 and 12 of dgesdd, A and LWORK, as rejected.
-constexpr std::int32_t kMatrixRejected = -4;
-constexpr std::int32_t kWorkRejected = -12;
+constexpr std::int32_t kSvdMatrixRejected = -4;
+constexpr std::int32_t kSvdWorkRejected = -12;
 
 // One problem.
 struct Decomposition {
@@ -58,7 +58,7 @@ FullSVD(double* a, const MatrixDescriptor* aDescriptor, double* s, double* u, co
     // The elements are looked at only where dgesdd itself would read them.
     const bool isRead =
         AreDimensionsAccepted(d) && SvdWorkLength(d.vectors, d.a.rows, d.a.columns) <= LapackWorkLength;
-    if (isRead && MayNotEnd(d.a)) return kMatrixRejected;
+    if (isRead && MayNotEnd(d.a)) return kSvdMatrixRejected;
     return CallDgesdd(d, LapackWork, LapackWorkLength, LapackIntWork);
 }
 
@@ -75,10 +75,10 @@ ThinSVD(double* a, const MatrixDescriptor* aDescriptor, double* s, double* u, co
     if (!AreDimensionsAccepted(d)) return CallDgesdd(d, &optimalLength, 1, LapackIntWork);
 
     if (SvdWorkLength(d.vectors, d.a.rows, d.a.columns) > std::numeric_limits<std::int32_t>::max()) {
-        ReportArgument("DGESDD", -kWorkRejected);
-        return kWorkRejected;
+        ReportArgument("DGESDD", -kSvdWorkRejected);
+        return kSvdWorkRejected;
     }
-    if (MayNotEnd(d.a)) return kMatrixRejected;
+    if (MayNotEnd(d.a)) return kSvdMatrixRejected;
 
     const auto workLength = static_cast<std::int32_t>(optimalLength);
     const auto intWork = AllocateScratch<std::int32_t>(8 * std::int64_t{std::min(d.a.rows, d.a.columns)});

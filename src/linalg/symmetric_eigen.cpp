@@ -11,7 +11,7 @@ namespace {
 using namespace orvanth;
 
 // Argument 5 of dsyevr, A, as rejected.
-constexpr std::int32_t kMatrixRejected = -5;
+constexpr std::int32_t kEigenMatrixRejected = -5;
 
 // What the query and the real call have in common.
 struct Eigenproblem {
@@ -61,7 +61,7 @@ EigenSymmetric(double* a, const MatrixDescriptor* aDescriptor, double* w, int32_
     }
 
     // With vectors, dsyevr may not return from a NaN once its order is 3. Everything else comes back by itself.
-    if (wantsVectors && problem.a.columns >= 3 && HasNaNInLowerTriangle(problem.a)) return kMatrixRejected;
+    if (wantsVectors && problem.a.columns >= 3 && HasNaNInLowerTriangle(problem.a)) return kEigenMatrixRejected;
 
     const auto workLength = static_cast<std::int32_t>(optimalLength);
     const auto intWork = AllocateScratch<std::int32_t>(optimalIntLength);

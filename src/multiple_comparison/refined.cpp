@@ -18,7 +18,7 @@ namespace orvanth {
 
 namespace {
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kNoResult = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 // How many coefficients count: all but the last, or the first alone.
@@ -126,7 +126,7 @@ double Probability(const ComparisonStatistic& statistic, double x, double df, bo
 }
 
 double CDF(ComparisonKind kind, double x, std::int32_t k, double df, std::span<const double> lambda, bool upper) {
-    if (std::isnan(x) || !IsValid(kind, k, df, lambda)) return kNaN;
+    if (std::isnan(x) || !IsValid(kind, k, df, lambda)) return kNoResult;
     return Probability(MakeStatistic(kind, k, lambda), x, df, upper);
 }
 
@@ -165,7 +165,7 @@ Bracket QuantileBracket(const ComparisonStatistic& statistic, double p, double d
 }
 
 double ICDF(ComparisonKind kind, double p, std::int32_t k, double df, std::span<const double> lambda, bool upper) {
-    if (!(p > 0 && p < 1) || k < 2 || !IsValid(kind, k, df, lambda)) return kNaN;
+    if (!(p > 0 && p < 1) || k < 2 || !IsValid(kind, k, df, lambda)) return kNoResult;
     const ComparisonStatistic statistic = MakeStatistic(kind, k, lambda);
     // The smaller tail has the accurate logarithm. 1 - p is exact for p >= 1/2.
     if (p > 0.5) {
@@ -194,7 +194,7 @@ double ICDF(ComparisonKind kind, double p, std::int32_t k, double df, std::span<
         atHigh = function(high = std::min(high + widening, limit));
     if (atLow == 0) return toX(low);
     if (atHigh == 0) return toX(high);
-    if (atLow > 0 || atHigh < 0) return kNaN;
+    if (atLow > 0 || atHigh < 0) return kNoResult;
     std::uintmax_t evaluations = 100;
     const auto closeEnough = [](double a, double b) { return std::fabs(b - a) <= 2e-10 * (1e-3 + std::fabs(a)); };
     const auto [a, b] = boost::math::tools::toms748_solve(function, low, high, atLow, atHigh, closeEnough,
