@@ -19,7 +19,7 @@ sets[bench]="${sets[build]} libbenchmark-dev libgsl-dev r-mathlib r-base-core py
 sets[package]="${sets[hosts]} debhelper lintian"
 sets[windows]="${sets[build]} g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix gfortran-mingw-w64-x86-64-posix
                gfortran-mingw-w64-i686-posix wine wine64 debootstrap googletest nlohmann-json3-dev"
-sets[browser]="nodejs chromium"
+sets[browser]="nodejs chromium-headless-shell"
 # Other packages of nodejs than Debian's bring npm with them.
 command -v npm >/dev/null || sets[browser]+=" npm"
 sets[docs]="${sets[build]} python3-sphinx furo python3-myst-parser python3-sphinx-copybutton python3-sphinx-inline-tabs

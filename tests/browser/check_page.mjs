@@ -4,7 +4,7 @@
 //
 //     check_page.mjs [--screenshots FOLDER] FILE_OR_URL ...
 //
-// Other tests import openBrowser, check and WIDTHS from here.
+// Other tests import openBrowser, openView, MODES and WIDTHS from here.
 import { createRequire } from "node:module";
 import { existsSync, mkdirSync } from "node:fs";
 import { basename, resolve } from "node:path";
@@ -15,11 +15,11 @@ export const WIDTHS = [420, 1280];
 export const MODES = ["light", "dark"];
 const AXE = createRequire(import.meta.url).resolve("axe-core/axe.min.js");
 
-/** Debian's Chromium; ORVANTH_CHROMIUM names another one. */
+/** Debian's Chromium without windows, which needs less of the processor; ORVANTH_CHROMIUM names another one. */
 export function openBrowser() {
     // Chromium's own sandbox needs rights that a container and root do not have.
     return chromium.launch({
-        executablePath: process.env.ORVANTH_CHROMIUM ?? "/usr/bin/chromium",
+        executablePath: process.env.ORVANTH_CHROMIUM ?? "/usr/bin/chromium-headless-shell",
         args: ["--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage"],
     });
 }
@@ -49,17 +49,20 @@ function deadLinksInside() {
         .filter((id) => id !== "" && !document.getElementById(id));
 }
 
-/** The faults of one page at one width in one mode, as sentences. */
-export async function check(browser, fileOrUrl, width, mode, screenshots) {
-    const faults = [];
+/** A window of one width in one mode, which looks at one page after the other. */
+export async function openView(browser, width, mode) {
     const context = await browser.newContext({ viewport: { width, height: 900 }, colorScheme: mode, bypassCSP: true });
-    try {
-        const page = await context.newPage();
-        page.on("console", (message) => {
-            if (["error", "warning"].includes(message.type())) faults.push(`console: ${message.text()}`);
-        });
-        page.on("pageerror", (error) => faults.push(`script: ${error.message}`));
-        page.on("requestfailed", (request) => faults.push(`not loaded: ${request.url()}`));
+    const page = await context.newPage();
+    let faults = [];
+    page.on("console", (message) => {
+        if (["error", "warning"].includes(message.type())) faults.push(`console: ${message.text()}`);
+    });
+    page.on("pageerror", (error) => faults.push(`script: ${error.message}`));
+    page.on("requestfailed", (request) => faults.push(`not loaded: ${request.url()}`));
+
+    /** The faults of a page, as sentences. */
+    async function check(fileOrUrl, screenshots) {
+        faults = [];
         await page.goto(addressOf(fileOrUrl), { waitUntil: "networkidle" });
         const wide = await page.evaluate(widerThanTheWindow);
         const [content, window] = await page.evaluate(() => [
@@ -69,7 +72,7 @@ export async function check(browser, fileOrUrl, width, mode, screenshots) {
         for (const id of await page.evaluate(deadLinksInside)) faults.push(`no place for the link #${id}`);
         await page.addScriptTag({ path: AXE });
         const result = await page.evaluate(() => globalThis.axe.run(document, {
-            runOnly: ["wcag2a", "wcag2aa", "wcag21a", "wcag21aa", "best-practice"] }));
+            runOnly: ["wcag2a", "wcag2aa", "wcag21a", "wcag21aa", "best-practice"], resultTypes: ["violations"] }));
         for (const rule of result.violations)
             for (const node of rule.nodes.slice(0, 5))
                 faults.push(`${rule.id}: ${rule.help}: ${node.target.join(" ")}: ${node.failureSummary
@@ -79,10 +82,9 @@ export async function check(browser, fileOrUrl, width, mode, screenshots) {
             const name = basename(fileOrUrl.replace(/[?#].*/, "")).replace(/\.html?$/, "") || "page";
             await page.screenshot({ path: `${screenshots}/${name}-${width}-${mode}.png`, fullPage: true });
         }
-    } finally {
-        await context.close();
+        return faults;
     }
-    return faults;
+    return { check, close: () => context.close() };
 }
 
 async function main(args) {
@@ -100,15 +102,18 @@ async function main(args) {
     let count = 0;
     const browser = await openBrowser();
     try {
-        for (const page of args)
-            for (const width of WIDTHS)
-                for (const mode of MODES) {
-                    const faults = await check(browser, page, width, mode, screenshots);
+        for (const width of WIDTHS)
+            for (const mode of MODES) {
+                const view = await openView(browser, width, mode);
+                for (const page of args) {
+                    const faults = await view.check(page, screenshots);
                     count += faults.length;
                     const verdict = faults.length === 0 ? "good" : `${faults.length} faults`;
                     console.log(`${page}, ${width} pixels, ${mode}: ${verdict}`);
                     for (const fault of faults) console.log(`    ${fault}`);
                 }
+                await view.close();
+            }
     } finally {
         await browser.close();
     }

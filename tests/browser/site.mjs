@@ -6,7 +6,7 @@ import { readdirSync, existsSync } from "node:fs";
 import { createServer } from "node:http";
 import { readFile } from "node:fs/promises";
 import { extname, join, normalize, relative } from "node:path";
-import { MODES, WIDTHS, check, openBrowser } from "./check_page.mjs";
+import { MODES, WIDTHS, openBrowser, openView } from "./check_page.mjs";
 
 // One page of each kind; the others are made by the same code and are only opened. The first ones are looked at at every
 // width in every mode, the others on a dark phone and on a light desk.
@@ -71,6 +71,15 @@ async function glance(browser, address, paths, width) {
     return faults;
 }
 
+/** Does `work` for every item, two at a time: a tab that waits leaves the processor to the other. */
+async function inTwoTabs(items, work) {
+    const queue = [...items];
+    const one = async () => {
+        for (let item; (item = queue.shift()) !== undefined;) await work(item);
+    };
+    await Promise.all([one(), one()]);
+}
+
 async function search(browser, address, words, wanted) {
     const page = await browser.newPage();
     await page.goto(`${address}/search.html?q=${encodeURIComponent(words)}`);
@@ -98,18 +107,21 @@ const report = (what, faults) => {
 };
 try {
     const pages = only.length > 0 ? only : pagesOf(folder);
-    // Two tabs share the pages.
     const halves = await Promise.all([0, 1].map((half) =>
         glance(browser, address, pages.filter((_, i) => i % 2 === half), WIDTHS[0])));
     report(`${pages.length} pages, ${WIDTHS[0]} pixels`, halves.flat());
-    for (const [words, wanted] of Object.entries(SEARCHES))
-        report(`search for ${words}`, await search(browser, address, words, wanted));
+    await inTwoTabs(Object.entries(SEARCHES), async ([words, wanted]) =>
+        report(`search for ${words}`, await search(browser, address, words, wanted)));
     const shots = process.env.ORVANTH_SCREENSHOTS;
+    const kinds = only.length > 0 ? only : [...KINDS, ...OTHERS];
     const views = WIDTHS.flatMap((width) => MODES.map((mode) => ({ width, mode })));
-    for (const kind of only.length > 0 ? only : [...KINDS, ...OTHERS])
-        for (const { width, mode } of views)
+    await inTwoTabs(views, async ({ width, mode }) => {
+        const view = await openView(browser, width, mode);
+        for (const kind of kinds)
             if (!OTHERS.includes(kind) || (width === WIDTHS[0]) === (mode === "dark"))
-                report(`${kind}, ${width} pixels, ${mode}`, await check(browser, `${address}/${kind}`, width, mode, shots));
+                report(`${kind}, ${width} pixels, ${mode}`, await view.check(`${address}/${kind}`, shots));
+        await view.close();
+    });
 } finally {
     await browser.close();
     server.close();
