@@ -5,11 +5,13 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 declare -A sets
-sets[build]="g++ gfortran cmake ninja-build ccache python3 python3-numpy python3-matplotlib python3-mpmath dpkg-dev patch
-             ca-certificates libboost-dev libopenblas-dev liblapacke-dev"
+sets[compile]="g++ gfortran cmake ninja-build ccache python3 dpkg-dev patch ca-certificates libboost-dev libopenblas-dev
+               liblapacke-dev"
+sets[compile_tests]="${sets[compile]} libgtest-dev nlohmann-json3-dev"
+for_programs="python3-numpy python3-matplotlib python3-mpmath"
+sets[build]="${sets[compile]} $for_programs"
 sets[tour]="${sets[build]} python3-dev"
-sets[check]="${sets[build]} libgtest-dev googletest clang-14 libclang-rt-14-dev clang-format clang-tidy
-             nlohmann-json3-dev pkg-config binutils"
+sets[check]="${sets[compile_tests]} $for_programs googletest clang-14 libclang-rt-14-dev clang-format clang-tidy pkg-config binutils"
 sets[coverage]="${sets[check]}"
 sets[hosts]="${sets[check]} python3-dev python3-pytest python3-hypothesis python3-pip python3-pandas python3-scipy
              python3-dask python3-distributed
