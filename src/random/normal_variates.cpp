@@ -11,7 +11,7 @@ namespace orvanth {
 
 namespace {
 
-constexpr std::size_t kChunk = 4096;  // numbers that stay in the cache from pass to pass
+constexpr std::size_t kNumbersInCache = 4096;  // from pass to pass
 
 // One rounded product, then one rounded sum.
 ORVANTH_VECTOR_CLONES
@@ -24,7 +24,7 @@ void Scale(double* values, std::size_t count, double factor, double mean) {
 void FillNormalVariates(MersenneTwister& twister, std::span<double> values, double mean, double sigma) {
     const double factor = std::numbers::sqrt2 * sigma;
     while (!values.empty()) {
-        const std::span<double> chunk = values.first(std::min(kChunk, values.size()));
+        const std::span<double> chunk = values.first(std::min(kNumbersInCache, values.size()));
         FillUniformDoubles(twister, chunk, -1.0, 1.0);
         ErfInv(chunk, chunk.data(), kErfInvLargest);
         Scale(chunk.data(), chunk.size(), factor, mean);
