@@ -15,8 +15,8 @@ import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
-BUILD = ROOT / "build" / "clang"
 MARKS = ROOT / "build" / "names"
+BUILD = MARKS / "clang"
 
 
 def run(*command):
@@ -52,7 +52,8 @@ def look_at(folder, files, common):
 
 def main():
     MARKS.mkdir(parents=True, exist_ok=True)
-    made = run("cmake", "--preset", "clang")
+    # The commands that compile each file by itself.
+    made = run("cmake", "--preset", "clang", "-B", str(BUILD), "-DORVANTH_FOLDERS_AS_ONE=OFF", "-DORVANTH_TESTS=OFF")
     if made.returncode:
         sys.exit(made.stdout + made.stderr)
     folders = {}
