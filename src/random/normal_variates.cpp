@@ -11,7 +11,7 @@ namespace orvanth {
 
 namespace {
 
-constexpr std::size_t kNumbersInCache = 4096;  // from pass to pass
+constexpr std::size_t kNumbersInCache = 4096;  // they stay there from pass to pass
 
 // One rounded product, then one rounded sum.
 ORVANTH_VECTOR_CLONES
